@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace desktop {
+
+/// A key with the modifiers held beside it, in the numbers that a keyboard event carries.
+struct KeyStroke {
+  std::uint16_t code = 0;
+  std::uint64_t flags = 0;
+
+  bool operator==(const KeyStroke&) const = default;
+};
+
+/// The key that a session calls by name, modifiers first: `ctrl+shift+left`, `win+l`, `F2`. The flags hold the
+/// modifiers and what the key carries by itself: arrow keys 0xa00000, function keys and forward delete 0x800000. Throws
+/// std::invalid_argument with a sentence for people when a name is unknown or missing.
+KeyStroke keyNamed(std::string_view name);
+
+/// The other way round, for people: `Cmd+Shift+Z`, `Cmd+Delete`, `Ctrl+key 0x5d` for a key without a name. Flags that
+/// the key carries by itself, or that are no modifier, are not shown.
+std::string describeKey(std::uint16_t code, std::uint64_t flags);
+
+} // namespace desktop

@@ -1,0 +1,239 @@
+#include "desktop/session/SessionGrammar.hpp"
+
+#include "desktop/session/Trace.hpp"
+#include "desktop/session/Words.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+namespace desktop {
+
+namespace {
+
+/// How a command is written. Arguments in lower case are words to choose from, those in upper case kinds of values,
+/// those in brackets may be left out.
+struct Form {
+  Verb verb;
+  std::string_view name;
+  std::string_view arguments;
+};
+
+// Of two forms of one command the first is meant when its word is given.
+constexpr Form forms[] = {
+    {Verb::Trust, "trust", "yes|no"},
+    {Verb::Taps, "taps", "auto|allow|refuse"},
+    {Verb::Screen, "screen", "none"},
+    {Verb::Screen, "screen", "W H"},
+    {Verb::App, "app", "NAME [BUNDLE-ID]"},
+    {Verb::End, "end", "NAME"},
+    {Verb::Front, "front", "none"},
+    {Verb::Front, "front", "NAME"},
+    {Verb::Focus, "focus", "none"},
+    {Verb::Focus, "focus", "ROLE"},
+    {Verb::Launch, "launch", ""},
+    {Verb::Raw, "raw", "down|up CODE FLAGS"},
+    {Verb::Down, "down", "KEYS"},
+    {Verb::Up, "up", "KEYS"},
+    {Verb::Press, "press", "KEYS [TIMES]"},
+    {Verb::Tap, "tap", "timeout|input"},
+    {Verb::Menu, "menu", "TITLE"},
+    {Verb::Click, "click", "TITLE [ROW]"},
+    {Verb::Choose, "choose", "PATH"},
+    {Verb::Cancel, "cancel", ""},
+    {Verb::Close, "close", ""},
+    {Verb::Resize, "resize", "W H"},
+    {Verb::Wait, "wait", "SECONDS"},
+    {Verb::Show, "show", "menu|window|alert|defaults"},
+    {Verb::Draw, "draw", "PATH"},
+    {Verb::Quit, "quit", ""},
+};
+
+// In the order of Word.
+constexpr std::string_view words[] = {"none", "yes",     "no",    "auto", "allow",  "refuse", "down",
+                                      "up",   "timeout", "input", "menu", "window", "alert",  "defaults"};
+static_assert(std::size(words) == static_cast<std::size_t>(Word::Defaults) + 1);
+
+/// The part of `rest` before the separator; `rest` goes on behind it.
+std::string_view takeUntil(std::string_view& rest, char separator) {
+  const std::string_view taken = rest.substr(0, rest.find(separator));
+  rest.remove_prefix(std::min(taken.size() + 1, rest.size()));
+  return taken;
+}
+
+/// Whether the whole text is a number without a sign, in the range of its type; it is then stored.
+template <class Number, class Format> bool readNumber(std::string_view text, Number& number, Format format) {
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, number, format);
+  return result.ec == std::errc() && result.ptr == end && !text.starts_with('-');
+}
+
+[[noreturn]] void expected(const std::string& what, std::string_view argument) {
+  throw std::invalid_argument("expected " + what + ", not " + inQuotes(argument));
+}
+
+std::uint64_t codeOrFlags(std::string_view argument, std::uint64_t highest) {
+  const bool isHex = argument.starts_with("0x");
+  std::uint64_t number = 0;
+  if (readNumber(argument.substr(isHex ? 2 : 0), number, isHex ? 16 : 10) && number <= highest) return number;
+  expected("a number from 0 to " + traceFlags(highest), argument);
+}
+
+std::uint64_t ordinal(std::string_view argument) {
+  std::uint64_t number = 0;
+  if (readNumber(argument, number, 10) && number >= 1) return number;
+  expected("a whole number of 1 or more, in 64 bits", argument);
+}
+
+double measure(std::string_view argument) {
+  double number = 0;
+  if (readNumber(argument, number, std::chars_format::fixed) && std::isfinite(number)) return number;
+  expected("a finite number of 0 or more", argument);
+}
+
+/// A kind of value: how a command takes it from an argument.
+struct Kind {
+  std::string_view name;
+  void (*read)(Command& to, std::string_view from);
+};
+
+constexpr Kind kinds[] = {
+    {"NAME", [](Command& to, std::string_view from) { to.name = from; }},
+    {"BUNDLE-ID", [](Command& to, std::string_view from) { to.bundleIdentifier = from; }},
+    {"ROLE", [](Command& to, std::string_view from) { to.role = from; }},
+    {"TITLE", [](Command& to, std::string_view from) { to.title = from; }},
+    {"PATH", [](Command& to, std::string_view from) { to.path = from; }},
+    {"KEYS", [](Command& to, std::string_view from) { to.key = keyNamed(from); }},
+    {"CODE", [](Command& to, std::string_view from) { to.key.code = std::uint16_t(codeOrFlags(from, 0xffff)); }},
+    {"FLAGS", [](Command& to, std::string_view from) { to.key.flags = codeOrFlags(from, ~std::uint64_t{0}); }},
+    {"TIMES", [](Command& to, std::string_view from) { to.times = ordinal(from); }},
+    {"ROW", [](Command& to, std::string_view from) { to.row = ordinal(from); }},
+    {"SECONDS", [](Command& to, std::string_view from) { to.seconds = measure(from); }},
+    {"W", [](Command& to, std::string_view from) { to.size.emplace().width = measure(from); }},
+    {"H", [](Command& to, std::string_view from) { to.size->height = measure(from); }},
+};
+
+bool isChoice(std::string_view choices, std::string_view word) {
+  while (!choices.empty())
+    if (takeUntil(choices, '|') == word) return true;
+  return false;
+}
+
+Word wordNamed(std::string_view name) {
+  return static_cast<Word>(std::ranges::find(words, name) - std::begin(words));
+}
+
+void readArgument(Command& command, std::string_view kind, std::string_view argument) {
+  const auto* known = std::ranges::find(kinds, kind, &Kind::name);
+  if (known != std::end(kinds)) return known->read(command, argument);
+  if (!isChoice(kind, argument)) expected(std::string(kind), argument);
+  command.word = wordNamed(argument);
+}
+
+const Form& formOf(const std::vector<std::string>& line) {
+  const Form* fitting = nullptr;
+  for (const Form& form : forms) {
+    if (form.name != line.front()) continue;
+    fitting = &form;
+    if (line.size() > 1 && line[1] == form.arguments) break;
+  }
+  if (fitting == nullptr) throw std::invalid_argument("unknown command " + inQuotes(line.front()));
+  return *fitting;
+}
+
+std::string usage(const Form& form) {
+  return ": " + std::string(form.name) + (form.arguments.empty() ? "" : " ") + std::string(form.arguments);
+}
+
+Command parse(const std::vector<std::string>& line) {
+  const Form& form = formOf(line);
+  Command command;
+  command.verb = form.verb;
+  auto argument = line.begin() + 1;
+  for (std::string_view rest = form.arguments; !rest.empty();) {
+    std::string_view kind = takeUntil(rest, ' ');
+    const bool optional = kind.starts_with('[');
+    if (optional) kind = kind.substr(1, kind.size() - 2);
+    if (argument != line.end())
+      readArgument(command, kind, *argument++);
+    else if (!optional)
+      throw std::invalid_argument("missing " + std::string(kind) + usage(form));
+  }
+  if (argument != line.end()) throw std::invalid_argument("extra argument " + inQuotes(*argument) + usage(form));
+  return command;
+}
+
+bool readAll(std::FILE* stream, std::string& text) {
+  std::array<char, 4096> part{};
+  while (const std::size_t size = std::fread(part.data(), 1, part.size(), stream))
+    text.append(part.data(), size);
+  return std::ferror(stream) == 0;
+}
+
+} // namespace
+
+std::string Mistake::text() const {
+  return file + ":" + (line > 0 ? std::to_string(line) + ":" : "") + " " + what;
+}
+
+SessionGrammar::SessionGrammar(std::string sessionName) : file(std::move(sessionName)) {}
+
+std::variant<std::monostate, Command, Mistake> SessionGrammar::read(std::string_view text) {
+  ++line;
+  if (text.ends_with('\r')) text.remove_suffix(1); // a Windows line end
+  try {
+    const std::vector<std::string> lineWords = splitWords(text);
+    if (lineWords.empty()) return {};
+    Command command = parse(lineWords);
+    command.line = line;
+    command.text = text;
+    follow(command);
+    return command;
+  } catch (const std::invalid_argument& wrong) {
+    return Mistake{file, line, wrong.what()};
+  }
+}
+
+/// Checks the command against those before it; the state changes only when it fits.
+void SessionGrammar::follow(const Command& command) {
+  if (command.verb == Verb::Launch && launched) throw std::invalid_argument("Tarnwick has been launched already");
+  if (impliesLaunch(command.verb) && !launched) {
+    launched = true;
+    applications.insert("Tarnwick");
+  }
+  if (command.verb == Verb::App && !applications.insert(*command.name).second)
+    throw std::invalid_argument("there is an application named " + inQuotes(*command.name) + " already");
+  if (command.verb == Verb::End) applications.erase(*command.name);
+}
+
+std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text) {
+  SessionGrammar grammar(file);
+  std::vector<Command> commands;
+  while (!text.empty()) {
+    auto line = grammar.read(takeUntil(text, '\n'));
+    if (auto* mistake = std::get_if<Mistake>(&line)) return std::move(*mistake);
+    if (auto* command = std::get_if<Command>(&line)) commands.push_back(std::move(*command));
+  }
+  return commands;
+}
+
+std::variant<std::vector<Command>, Mistake> readSessionFile(const std::string& file) {
+  const bool piped = file == "-";
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(piped ? nullptr : std::fopen(file.c_str(), "rb"),
+                                                               std::fclose);
+  std::FILE* stream = piped ? stdin : opened.get();
+  std::string text;
+  if (stream == nullptr || !readAll(stream, text))
+    return Mistake{file, 0, std::string("cannot be read: ") + std::strerror(errno)};
+  return readSession(file, text);
+}
+
+} // namespace desktop
