@@ -1,0 +1,45 @@
+#pragma once
+
+#include "desktop/foundation/PropertyList.hpp"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace desktop {
+
+/// The dictionary behind user defaults, kept in a property-list file. For one thread; one object per file.
+///
+/// Opening never changes anything on disk. A missing file is an empty dictionary. A file that cannot be read is one
+/// too, with a sentence on standard error, and moves aside (to NAME.broken, NAME.broken-2, ...) when something is first
+/// saved.
+class PropertyListFile {
+public:
+  /// Without a path the dictionary lives in memory only.
+  explicit PropertyListFile(std::optional<std::filesystem::path> path = std::nullopt);
+  PropertyListFile(const PropertyListFile&) = delete;
+  PropertyListFile& operator=(const PropertyListFile&) = delete;
+
+  /// Null when there is none; valid until the next change.
+  const PropertyList* value(const std::u16string& key) const;
+
+  /// Both save at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
+  /// next change. A crash at any moment leaves either the old file or the new one.
+  void set(const std::u16string& key, PropertyList value);
+  void remove(const std::u16string& key);
+
+  /// From now on writing fails half-way, as on a full disk, or works again.
+  void failWrites(bool fail) { writesFail = fail; }
+
+private:
+  std::optional<std::filesystem::path> path;
+  PropertyList contents = PropertyList::Dictionary();
+  bool keepsBroken = false; // what lies on disk was not understood and must not get lost
+  bool writesFail = false;
+
+  PropertyList::Dictionary& dictionary() { return *contents.as<PropertyList::Dictionary>(); }
+  void load();
+  void save();
+};
+
+} // namespace desktop

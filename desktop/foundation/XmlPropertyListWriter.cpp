@@ -1,0 +1,149 @@
+#include "desktop/foundation/PropertyList.hpp"
+#include "desktop/foundation/XmlScalars.hpp"
+
+#include <algorithm>
+#include <span>
+
+namespace desktop {
+namespace {
+
+using namespace xmlScalars;
+
+/// Takes the character at `at` off the text; a lone surrogate is answered as it stands.
+char32_t nextCharacter(std::u16string_view text, std::size_t& at) {
+  const char32_t first = text[at++];
+  if (first < 0xD800 || first > 0xDBFF || at == text.size()) return first;
+  const char32_t second = text[at];
+  if (second < 0xDC00 || second > 0xDFFF) return first;
+  ++at;
+  return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
+}
+
+bool fitsXml(char32_t character) {
+  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+  return (character < 0xD800 || character > 0xDFFF) && character != 0xFFFE && character != 0xFFFF;
+}
+
+bool fitsXml(std::u16string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (!fitsXml(nextCharacter(text, at))) return false;
+  }
+  return true;
+}
+
+void appendUtf8(std::string& out, char32_t character) {
+  const auto push = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto continuation = [&](unsigned shift) { push(0x80 | (character >> shift & 0x3F)); };
+  if (character < 0x80) {
+    push(character);
+  } else if (character < 0x800) {
+    push(0xC0 | character >> 6);
+    continuation(0);
+  } else if (character < 0x10000) {
+    push(0xE0 | character >> 12);
+    continuation(6);
+    continuation(0);
+  } else {
+    push(0xF0 | character >> 18);
+    continuation(12);
+    continuation(6);
+    continuation(0);
+  }
+}
+
+std::string escaped(std::u16string_view text) {
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = nextCharacter(text, at);
+    if (character == '&') {
+      out += "&amp;";
+    } else if (character == '<') {
+      out += "&lt;";
+    } else if (character == '>') {
+      out += "&gt;";
+    } else if (character == '\r') {
+      out += "&#13;"; // a bare one is a line break to an XML reader and comes back as \n
+    } else {
+      appendUtf8(out, fitsXml(character) ? character : 0xFFFD);
+    }
+  }
+  return out;
+}
+
+/// Visits a value and writes it, each element on its own line, indented by tabs.
+class XmlWriter {
+public:
+  std::string out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+                    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+                    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+                    "<plist version=\"1.0\">\n";
+
+  void operator()(bool truth) { line(truth ? "<true/>" : "<false/>"); }
+  void operator()(std::int64_t number) { line("<integer>" + std::to_string(number) + "</integer>"); }
+  void operator()(double number) { line("<real>" + realText(number) + "</real>"); }
+  void operator()(const std::u16string& text) { line("<string>" + escaped(text) + "</string>"); }
+  void operator()(PropertyList::Date date) { line("<date>" + dateText(date) + "</date>"); }
+
+  void operator()(const PropertyList::Data& data) {
+    // The platform keeps lines within 76 columns and counts a tab as eight of them.
+    const std::size_t letters = 76 - 8 * std::min(indentation, std::size_t{8});
+    const std::size_t bytesPerLine = letters / 4 * 3;
+    line("<data>");
+    for (std::span rest(data); !rest.empty(); rest = rest.subspan(std::min(bytesPerLine, rest.size()))) {
+      line(dataText(rest.first(std::min(bytesPerLine, rest.size()))));
+    }
+    line("</data>");
+  }
+
+  void operator()(const PropertyList::Array& array) {
+    if (array.empty()) return line("<array/>");
+    line("<array>");
+    ++indentation;
+    for (const auto& element : array)
+      std::visit(*this, element.value);
+    --indentation;
+    line("</array>");
+  }
+
+  void operator()(const PropertyList::Dictionary& dictionary) {
+    if (dictionary.empty()) return line("<dict/>");
+    line("<dict>");
+    ++indentation;
+    for (const auto& [key, element] : dictionary) {
+      line("<key>" + escaped(key) + "</key>");
+      std::visit(*this, element.value);
+    }
+    --indentation;
+    line("</dict>");
+  }
+
+private:
+  std::size_t indentation = 0;
+
+  void line(std::string_view text) {
+    out.append(indentation, '\t');
+    out += text;
+    out += '\n';
+  }
+};
+
+} // namespace
+
+bool canBeXml(const PropertyList& value) {
+  if (const auto* text = value.as<std::u16string>()) return fitsXml(*text);
+  if (const auto* date = value.as<PropertyList::Date>()) return hasDateText(*date);
+  if (const auto* array = value.as<PropertyList::Array>()) return std::all_of(array->begin(), array->end(), canBeXml);
+  if (const auto* dictionary = value.as<PropertyList::Dictionary>()) {
+    return std::all_of(dictionary->begin(), dictionary->end(),
+                       [](const auto& entry) { return fitsXml(entry.first) && canBeXml(entry.second); });
+  }
+  return true;
+}
+
+std::string writeXml(const PropertyList& value) {
+  XmlWriter writer;
+  std::visit(writer, value.value);
+  return std::move(writer.out) + "</plist>\n";
+}
+
+} // namespace desktop

@@ -1,0 +1,215 @@
+#include "desktop/foundation/PropertyListFile.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PropertyListFileTest : public testing::Test {
+protected:
+  fs::path folder;
+  fs::path path;
+
+  void SetUp() override {
+    std::string name = testing::TempDir() + "/defaults-XXXXXX";
+    ASSERT_NE(::mkdtemp(name.data()), nullptr);
+    folder = name;
+    path = folder / "defaults.plist";
+  }
+  void TearDown() override {
+    fs::permissions(folder, fs::perms::owner_all);
+    fs::remove_all(folder);
+  }
+
+  static void write(const fs::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
+  }
+  static std::string contents(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  std::size_t filesInFolder() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+  }
+
+  /// Runs the action and answers what it said on standard error.
+  template <typename Action> static std::string complaint(Action action) {
+    testing::internal::CaptureStderr();
+    action();
+    return testing::internal::GetCapturedStderr();
+  }
+  static std::size_t lines(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+  }
+};
+
+/// Without the rights of the superuser, for whom no folder is closed.
+class OrdinaryUser {
+public:
+  explicit OrdinaryUser(const fs::path& owned) : original(::geteuid()) {
+    if (original != 0) return;
+    EXPECT_EQ(::chown(owned.c_str(), nobody, static_cast<gid_t>(-1)), 0);
+    EXPECT_EQ(::seteuid(nobody), 0);
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+  ~OrdinaryUser() { EXPECT_EQ(::seteuid(original), 0); }
+
+private:
+  static constexpr uid_t nobody = 65534;
+  uid_t original;
+};
+
+TEST_F(PropertyListFileTest, ChangesOutliveTheObject) {
+  EXPECT_EQ(complaint([&] {
+              PropertyListFile file(path);
+              file.remove(u"absent");
+              EXPECT_FALSE(fs::exists(path)) << "nothing changed, so nothing was saved";
+              file.set(u"kept", u"value");
+              file.set(u"gone", 1);
+              file.remove(u"gone");
+            }),
+            "");
+  const PropertyListFile file(path);
+  ASSERT_NE(file.value(u"kept"), nullptr);
+  EXPECT_EQ(*file.value(u"kept"), PropertyList(u"value"));
+  EXPECT_EQ(file.value(u"gone"), nullptr);
+  EXPECT_TRUE(contents(path).starts_with("<?xml"));
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+TEST_F(PropertyListFileTest, BinaryWhereXmlCannotHoldIt) {
+  const std::u16string text(u"\0\xD800", 2);
+  PropertyListFile(path).set(u"odd", text);
+  EXPECT_TRUE(contents(path).starts_with("bplist00"));
+  PropertyListFile file(path);
+  ASSERT_NE(file.value(u"odd"), nullptr);
+  EXPECT_EQ(*file.value(u"odd"), PropertyList(text));
+}
+
+TEST_F(PropertyListFileTest, ReadingLeavesTheFileAlone) {
+  for (const std::string bytes :
+       {"", "<plist>\n<dict>", "<plist><array/></plist>", "bplist00", "<plist><dict/></plist>"}) {
+    write(path, bytes);
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+    const auto before = fs::last_write_time(path);
+    const auto said = complaint([&] {
+      PropertyListFile file(path);
+      EXPECT_EQ(file.value(u"key"), nullptr);
+      file.remove(u"key");
+    });
+    EXPECT_EQ(contents(path), bytes);
+    EXPECT_EQ(fs::last_write_time(path), before);
+    EXPECT_EQ(filesInFolder(), 1U);
+    EXPECT_EQ(lines(said), bytes == "<plist><dict/></plist>" ? 0U : 1U) << said;
+    if (bytes == "<plist>\n<dict>") {
+      EXPECT_NE(said.find(path.string() + ": cannot be understood, line 2: "), std::string::npos) << said;
+    }
+  }
+}
+
+TEST_F(PropertyListFileTest, BrokenFilesAreKeptAside) {
+  for (const std::string name : {"defaults.plist.broken", "defaults.plist.broken-2"}) {
+    write(path, "precious: " + name);
+    complaint([&] {
+      PropertyListFile file(path);
+      file.failWrites(true);
+      file.set(u"key", 1);
+      EXPECT_EQ(contents(path), "precious: " + name) << "nothing moves before its successor is written";
+      file.failWrites(false);
+      file.set(u"key", 2);
+      file.set(u"key", 3);
+    });
+    EXPECT_EQ(contents(folder / name), "precious: " + name);
+    EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(3));
+  }
+  EXPECT_EQ(contents(folder / "defaults.plist.broken"), "precious: defaults.plist.broken");
+  EXPECT_EQ(filesInFolder(), 3U);
+}
+
+TEST_F(PropertyListFileTest, FailedWritesLoseNothing) {
+  PropertyListFile file(path);
+  file.set(u"key", 1);
+  const auto saved = contents(path);
+  file.failWrites(true);
+  const auto said = complaint([&] {
+    file.set(u"key", 2);
+    file.set(u"other", 3);
+  });
+  EXPECT_EQ(lines(said), 2U) << said;
+  EXPECT_NE(said.find(path.string() + ": cannot be saved"), std::string::npos) << said;
+  EXPECT_EQ(contents(path), saved);
+  EXPECT_EQ(filesInFolder(), 1U) << "no temporary file stays behind";
+  EXPECT_EQ(*file.value(u"key"), PropertyList(2));
+  file.failWrites(false);
+  file.remove(u"other");
+  EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(2));
+}
+
+TEST_F(PropertyListFileTest, SymbolicLinksAndPermissionsStay) {
+  fs::create_directory(folder / "elsewhere");
+  const auto target = folder / "elsewhere" / "real.plist";
+  fs::create_symlink("elsewhere/link", path);
+  fs::create_symlink("real.plist", folder / "elsewhere" / "link");
+  PropertyListFile(path).set(u"key", 1);
+  EXPECT_TRUE(fs::is_symlink(path));
+  EXPECT_TRUE(fs::is_symlink(folder / "elsewhere" / "link"));
+  EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(target))) << "also where the link pointed to nothing yet";
+
+  for (const auto mode : {fs::perms(0640), fs::perms(0666)}) {
+    fs::permissions(target, mode);
+    PropertyListFile(path).set(u"key", 2);
+    EXPECT_EQ(fs::status(target).permissions(), mode);
+  }
+  fs::remove(path);
+  fs::create_symlink("defaults.plist", path);
+  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), 2U) << "a link to itself";
+}
+
+TEST_F(PropertyListFileTest, OnlyRegularFilesAreReplaced) {
+  fs::create_directory(path);
+  const auto pipe = folder / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const auto& odd : {path, pipe, folder / "pipe" / "below", fs::path("/dev/null")}) {
+    const auto before = fs::status(odd).type();
+    const auto said = complaint([&] {
+      PropertyListFile file(odd);
+      file.set(u"key", 1);
+      EXPECT_EQ(*file.value(u"key"), PropertyList(1));
+    });
+    EXPECT_EQ(lines(said), 2U) << said;
+    EXPECT_EQ(fs::status(odd).type(), before);
+  }
+  EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(PropertyListFileTest, WithoutPermission) {
+  write(path, "<plist><dict><key>key</key><true/></dict></plist>");
+  const OrdinaryUser user(folder);
+  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), 1U) << "the folder is read-only";
+  EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(true));
+
+  fs::permissions(folder, fs::perms::owner_all);
+  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), ::getuid() == 0 ? 1U : 0U);
+}
+
+TEST_F(PropertyListFileTest, InMemoryTouchesNoDisk) {
+  PropertyListFile file;
+  file.failWrites(true);
+  EXPECT_EQ(complaint([&] { file.set(u"key", 1); }), "");
+  EXPECT_EQ(*file.value(u"key"), PropertyList(1));
+}
+
+} // namespace
+} // namespace desktop
