@@ -53,7 +53,7 @@ constexpr Form forms[] = {
     {Verb::Resize, "resize", "W H"},
     {Verb::Wait, "wait", "SECONDS"},
     {Verb::Show, "show", "menu|window|alert|defaults"},
-    {Verb::Draw, "draw", "PATH"},
+    {Verb::Draw, "draw", "FILE.svg"},
     {Verb::Quit, "quit", ""},
 };
 
@@ -111,6 +111,7 @@ constexpr Kind kinds[] = {
     {"ROLE", [](Command& to, std::string_view from) { to.role = from; }},
     {"TITLE", [](Command& to, std::string_view from) { to.title = from; }},
     {"PATH", [](Command& to, std::string_view from) { to.path = from; }},
+    {"FILE.svg", [](Command& to, std::string_view from) { to.path = from; }},
     {"KEYS", [](Command& to, std::string_view from) { to.key = keyNamed(from); }},
     {"CODE", [](Command& to, std::string_view from) { to.key.code = std::uint16_t(codeOrFlags(from, 0xffff)); }},
     {"FLAGS", [](Command& to, std::string_view from) { to.key.flags = codeOrFlags(from, ~std::uint64_t{0}); }},

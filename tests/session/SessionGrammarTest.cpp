@@ -1,0 +1,191 @@
+#include "desktop/session/SessionGrammar.hpp"
+
+#include <gtest/gtest.h>
+
+using namespace desktop;
+using namespace std::string_literals;
+
+namespace {
+
+std::vector<Command> commandsOf(std::string_view text) {
+  const auto read = readSession("s", text);
+  if (const auto* mistake = std::get_if<Mistake>(&read)) {
+    ADD_FAILURE() << mistake->text();
+    return {};
+  }
+  return std::get<std::vector<Command>>(read);
+}
+
+std::string mistakeOf(std::string_view text) {
+  const auto read = readSession("s", text);
+  const auto* mistake = std::get_if<Mistake>(&read);
+  return mistake ? mistake->text() : "no mistake";
+}
+
+std::string answer(SessionGrammar& grammar, std::string_view line) {
+  const auto read = grammar.read(line);
+  if (const auto* mistake = std::get_if<Mistake>(&read)) return mistake->text();
+  return std::holds_alternative<Command>(read) ? "command" : "nothing";
+}
+
+TEST(SessionGrammar, ConvertsArguments) {
+  const std::pair<const char*, bool (*)(const Command&)> rows[] = {
+      {"screen 1440.5 0", [](const Command& c) { return c.size->width == 1440.5 && c.size->height == 0; }},
+      {"screen none", [](const Command& c) { return !c.size; }},
+      {"app Notes", [](const Command& c) { return c.name == "Notes" && !c.bundleIdentifier; }},
+      {"app \"\" \"\"", [](const Command& c) { return c.name == "" && c.bundleIdentifier == ""; }},
+      {"front None", [](const Command& c) { return c.name == "None"; }},
+      {"front none", [](const Command& c) { return !c.name; }},
+      {"focus AXList", [](const Command& c) { return c.role == "AXList"; }},
+      {"focus none", [](const Command& c) { return !c.role; }},
+      {"raw up 0xffff 18446744073709551615",
+       [](const Command& c) { return c.key.code == 0xffff && c.key.flags == ~0ull; }},
+      {"raw down 008 0x1F", [](const Command& c) { return c.key.code == 8 && c.key.flags == 0x1f; }},
+      {"down ctrl+c", [](const Command& c) { return c.key.code == 8 && c.key.flags == 0x40000; }},
+      {"press 2", [](const Command& c) { return c.key.code == 19 && c.times == 1; }},
+      {"press a 3000000000", [](const Command& c) { return c.times == 3'000'000'000; }},
+      {"click \"Remove it\" 2", [](const Command& c) { return c.title == "Remove it" && c.row == 2; }},
+      {"choose /A.app", [](const Command& c) { return c.path == "/A.app"; }},
+      {"draw a.svg", [](const Command& c) { return c.path == "a.svg"; }},
+      {"wait .25", [](const Command& c) { return c.seconds == 0.25; }},
+  };
+  for (const auto& [line, fits] : rows) {
+    const auto commands = commandsOf(line);
+    ASSERT_EQ(commands.size(), 1u) << line;
+    EXPECT_TRUE(fits(commands[0])) << line;
+  }
+}
+
+TEST(SessionGrammar, TellsVerbsAndWordsApart) {
+  const char* all = "trust yes\ntrust no\ntaps auto\ntaps allow\ntaps refuse\nscreen 1 1\napp A\nend A\nfront none\n"
+                    "focus none\nlaunch\nraw down 0 0\nraw up 0 0\ndown a\nup a\npress a\ntap timeout\ntap input\n"
+                    "menu a\nclick a\nchoose a\ncancel\nclose\nresize 1 1\nwait 0\nshow menu\nshow window\n"
+                    "show alert\nshow defaults\ndraw a\nquit";
+  std::vector<Verb> verbs;
+  std::vector<Word> words;
+  for (const Command& command : commandsOf(all)) {
+    if (verbs.empty() || verbs.back() != command.verb) verbs.push_back(command.verb);
+    if (command.word != Word::None) words.push_back(command.word);
+  }
+  EXPECT_EQ(verbs, (std::vector{Verb::Trust,  Verb::Taps,   Verb::Screen, Verb::App,    Verb::End,    Verb::Front,
+                                Verb::Focus,  Verb::Launch, Verb::Raw,    Verb::Down,   Verb::Up,     Verb::Press,
+                                Verb::Tap,    Verb::Menu,   Verb::Click,  Verb::Choose, Verb::Cancel, Verb::Close,
+                                Verb::Resize, Verb::Wait,   Verb::Show,   Verb::Draw,   Verb::Quit}));
+  EXPECT_EQ(words, (std::vector{Word::Yes, Word::No, Word::Auto, Word::Allow, Word::Refuse, Word::Down, Word::Up,
+                                Word::Timeout, Word::Input, Word::Menu, Word::Window, Word::Alert, Word::Defaults}));
+}
+
+TEST(SessionGrammar, SplitsWordsByTheirFirstCharacter) {
+  std::string longTitle;
+  longTitle.resize(10'000'000, ' ');
+  const std::pair<std::string, std::string> titles[] = {
+      {"menu a#b", "a#b"},
+      {"\tmenu  \"#b\"\t#rest \"", "#b"},
+      {"menu a\\t\"b # \"", "a\\t\"b"},
+      {"menu \"\"", ""},
+      {R"(menu "\"\\\t\n\r\x00\xfF é")", "\"\\\t\n\r\0\xff é"s},
+      {"menu a\0b\x01\xff\v"s, "a\0b\x01\xff\v"s},
+      {"menu \"" + longTitle + '"', longTitle},
+  };
+  for (const auto& [line, title] : titles) {
+    const auto commands = commandsOf(line);
+    ASSERT_EQ(commands.size(), 1u) << line.substr(0, 40);
+    EXPECT_TRUE(commands[0].title == title) << line.substr(0, 40);
+    EXPECT_TRUE(commands[0].text == line) << line.substr(0, 40);
+  }
+}
+
+TEST(SessionGrammar, KeepsEachLineAndItsNumber) {
+  for (const char* empty : {"", "\n", "\r\n \t\r\n", "# only\n  #comments"})
+    EXPECT_TRUE(commandsOf(empty).empty()) << empty;
+  const auto commands = commandsOf("\r\n# first\r\n  wait 1\t# pause \r\n\n\"quit\"");
+  ASSERT_EQ(commands.size(), 2u);
+  EXPECT_EQ(commands[0].line, 3);
+  EXPECT_EQ(commands[0].text, "  wait 1\t# pause ");
+  EXPECT_EQ(commands[1].line, 5);
+  EXPECT_EQ(commands[1].text, "\"quit\"");
+}
+
+TEST(SessionGrammar, TellsTheFirstMistakeAndItsLine) {
+  const std::string number = "expected a number from 0 to ";
+  const std::string ordinal = "expected a whole number of 1 or more, in 64 bits, not ";
+  const std::string measure = "expected a finite number of 0 or more, not ";
+  const std::string huge(400, '9');
+  const std::pair<std::string, std::string> rows[] = {
+      {"Quit", "unknown command \"Quit\""},
+      {"a\0\x1b"s, "unknown command \"a\\x00\\x1b\""},
+      {std::string(59, 'x') + "…" + std::string(100'000, 'y'), "unknown command \"" + std::string(59, 'x') + "...\""},
+      {"show yes", "expected menu|window|alert|defaults, not \"yes\""},
+      {"trust", "missing yes|no: trust yes|no"},
+      {"menu #Settings", "missing TITLE: menu TITLE"},
+      {"screen 5", "missing H: screen W H"},
+      {"quit now", "extra argument \"now\": quit"},
+      {"screen none 1", "extra argument \"1\": screen none"},
+      {"raw down 0x10000 0", number + "0xffff, not \"0x10000\""},
+      {"raw down 0x 0", number + "0xffff, not \"0x\""},
+      {"raw down -1 0", number + "0xffff, not \"-1\""},
+      {"raw down 0x-1 0", number + "0xffff, not \"0x-1\""},
+      {"raw up 1 0x10000000000000000", number + "0xffffffffffffffff, not \"0x10000000000000000\""},
+      {"press a 0", ordinal + "\"0\""},
+      {"press a +1", ordinal + "\"+1\""},
+      {"click OK 0", ordinal + "\"0\""},
+      {"wait -0", measure + "\"-0\""},
+      {"wait inf", measure + "\"inf\""},
+      {"wait nan", measure + "\"nan\""},
+      {"wait \"\"", measure + "\"\""},
+      {"wait " + huge, measure + '"' + huge.substr(0, 60) + "...\""},
+      {"resize 1 -1", measure + "\"-1\""},
+      {"press hyper+a", "unknown modifier \"hyper\""},
+      {"menu \"a", "unterminated quote"},
+      {"menu \"a\\", "unknown escape \"\\\\\""},
+      {"menu \"\\a\"", "unknown escape \"\\\\a\""},
+      {"menu \"\\x1", "\\x needs two hex digits"},
+      {"menu \"a\"b", "text right after a closing quote"},
+      {"launch", "Tarnwick has been launched already"},
+      {"app Finder", "there is an application named \"Finder\" already"},
+      {"app Tarnwick", "there is an application named \"Tarnwick\" already"},
+  };
+  for (const auto& [line, what] : rows)
+    for (const char* rest : {"", "\r\n", "\nunknown"})
+      EXPECT_EQ(mistakeOf("app Mail\n\ncancel # launches\n" + line + rest), "s:4: " + what);
+}
+
+TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
+  SessionGrammar grammar("-");
+  const std::string already = "there is an application named ";
+  const std::pair<const char*, std::string> lines[] = {
+      {"# a prompt", "nothing"},
+      {"app Mail a b", "-:2: extra argument \"b\": app NAME [BUNDLE-ID]"},
+      {"app Mail", "command"},
+      {"app Mail", "-:4: " + already + "\"Mail\" already"},
+      {"app mail", "command"},
+      {"end Mail Finder", "-:6: extra argument \"Finder\": end NAME"},
+      {"app Mail", "-:7: " + already + "\"Mail\" already"},
+      {"end Mail", "command"},
+      {"end Mail", "command"},
+      {"app Mail", "command"},
+      {"front Nobody", "command"},
+      {"press nothing", "-:12: unknown key \"nothing\""},
+      {"launch now", "-:13: extra argument \"now\": launch"},
+      {"launch", "command"},
+      {"end Tarnwick", "command"},
+      {"quit", "command"},
+      {"launch", "-:17: Tarnwick has been launched already"},
+      {"app Tarnwick", "command"},
+  };
+  for (const auto& [line, expected] : lines)
+    EXPECT_EQ(answer(grammar, line), expected) << line;
+  // What prepares the desktop does not launch.
+  EXPECT_EQ(commandsOf("trust no\ntaps auto\nscreen none\napp A\nend A\nfront none\nfocus none\nlaunch").size(), 8u);
+}
+
+TEST(SessionGrammar, AFileThatCannotBeReadHasNoLine) {
+  for (const std::string file : {"/", "", "/no/such/file"}) {
+    const auto read = readSessionFile(file);
+    const auto* mistake = std::get_if<Mistake>(&read);
+    ASSERT_TRUE(mistake) << file;
+    EXPECT_EQ(mistake->text().find(file + ": cannot be read: "), 0u) << mistake->text();
+  }
+}
+
+} // namespace
