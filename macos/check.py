@@ -1,0 +1,204 @@
+#!/usr/bin/env python3
+"""Holds the finished application against what a Mac with macOS 13 would load, and prints its figures.
+
+`check.py Tarnwick.app Tarnwick.zip` exits 0, or prints a sentence for each thing that is wrong and exits 1.
+"""
+import plistlib
+import re
+import struct
+import sys
+from pathlib import Path
+
+import macho
+import sysroot
+
+OLDEST_SYSTEM = (13, 0)
+PLATFORM_MACOS = 1
+MH_EXECUTE = 2
+FLAG_TWO_LEVEL, FLAG_STACK_EXECUTION, FLAG_PIE = 0x80, 0x20000, 0x200000
+WRITE_AND_EXECUTE = 0x6
+INITIALISERS = {"__mod_init_func": 8, "__init_offsets": 4, "__mod_term_func": 8}  # bytes for each
+LOADER = "/usr/lib/dyld"
+PROGRAM_HEADER = "__mh_execute_header"
+LARGEST_ARCHIVE = 300_000
+
+TEXT = re.compile(rb"[\x20-\x7e]{4,}")
+ABSOLUTE_PATH = re.compile(r"(?<![\w/:.@])/[\w.+-]+/[\w.+/-]+")
+SOURCE_FILE = re.compile(r"[\w./-]+\.(?:cpp|cc|hpp|o|a)\b")
+USER_PATHS = ("/Applications", "/System/")  # a Mac has these, so the program may name them
+STAND_IN = "desktop_"  # how the entry points of the development desktop begin
+
+
+def check_image(image, libraries, any_symbol):
+    """Sentences for what is wrong with one processor's program."""
+    if not any_symbol:
+        yield from check_imports(image, libraries)
+    yield from check_header(image)
+    yield from check_segments(image)
+    yield from check_libraries(image, libraries)
+    yield from check_exports(image)
+    yield from check_initialisers(image)
+    yield from check_text(image, libraries)
+
+
+def check_header(image):
+    """A position-independent program for macOS 13."""
+    if image.filetype != MH_EXECUTE:
+        yield "it is not a program"
+    if not image.flags & FLAG_PIE:
+        yield "it is not position independent"
+    if not image.flags & FLAG_TWO_LEVEL:
+        yield "its imports do not name their libraries (flat namespace)"
+    if image.flags & FLAG_STACK_EXECUTION:
+        yield "it asks for an executable stack"
+    build = image.command(macho.LC_BUILD_VERSION)
+    if build is None:
+        yield "it does not say for which system it is"
+    else:
+        platform, oldest = struct.unpack_from("<2I", image.data, build + 8)
+        version = (oldest >> 16, oldest >> 8 & 0xFF)
+        if platform != PLATFORM_MACOS:
+            yield f"it is for platform {platform}, not for macOS"
+        if version != OLDEST_SYSTEM:
+            yield f"its oldest system is macOS {version[0]}.{version[1]}, not {OLDEST_SYSTEM[0]}.{OLDEST_SYSTEM[1]}"
+    if image.command(macho.LC_MAIN) is None:
+        yield "it has no entry point"
+    loader = image.command(macho.LC_LOAD_DYLINKER)
+    if loader is None or macho.text_at(image.data, loader + 12) != LOADER:
+        yield f"its loader is not {LOADER}"
+
+
+def check_segments(image):
+    """Nothing may be written and executed."""
+    for segment in image.segments:
+        if segment.protection & WRITE_AND_EXECUTE == WRITE_AND_EXECUTE:
+            yield f"segment {segment.name} may be written and executed"
+
+
+def check_libraries(image, libraries):
+    """The libraries of the table, all of them and no other."""
+    expected = {library.install_name for library in libraries}
+    for kind, name in image.libraries:
+        if name not in expected:
+            yield f"it loads {name}, which macos/imports.txt does not name"
+        elif kind != "LC_LOAD_DYLIB":
+            yield f"it loads {name} by {kind}, not plainly"
+    for name in sorted(expected - {name for _, name in image.libraries}):
+        yield f"it does not load {name}, so classes in there would not be found"
+    for path in image.run_paths:
+        yield f"it looks for libraries in {path}"
+
+
+def check_imports(image, libraries):
+    """Each symbol comes from the library that has it, in macOS 13."""
+    table = {symbol.name: (symbol, library) for library in libraries for symbol in library.symbols
+             if symbol.processor in ("", image.processor)}
+    for entry in image.imports:
+        if entry.symbol not in table:
+            yield f"it takes {entry.symbol}, which macos/imports.txt does not list for this processor"
+            continue
+        symbol, library = table[entry.symbol]
+        number = entry.library
+        source = image.libraries[number - 1][1] if 1 <= number <= len(image.libraries) else "no library"
+        if source != library.install_name:
+            yield f"it takes {symbol.name} from {source}, but {library.install_name} has it"
+        if symbol.first_version > OLDEST_SYSTEM:
+            version = ".".join(str(part) for part in symbol.first_version)
+            yield f"it takes {symbol.name}, which begins with macOS {version}"
+        if entry.weak:
+            yield f"it takes {symbol.name} weakly: on a system without it the program would call nothing"
+
+
+def check_exports(image):
+    """A program offers nothing."""
+    for name in image.exports:
+        if name != PROGRAM_HEADER:
+            yield f"it offers {name} to others"
+
+
+def count_initialisers(image):
+    return sum(section.size // INITIALISERS[section.name] for section in image.sections
+               if section.name in INITIALISERS)
+
+
+def check_initialisers(image):
+    """Nothing runs before main: not at every login, before the user has asked for anything."""
+    count = count_initialisers(image)
+    if count:
+        yield f"it runs {count} static initialiser{'s' if count > 1 else ''} before main"
+
+
+def check_text(image, libraries):
+    """Nothing of the machine that built it, and nothing of the development desktop."""
+    if image.debug_symbols:
+        yield f"it holds {image.debug_symbols} symbols for the debugger"
+    known = {LOADER, *(library.install_name for library in libraries)}
+    found = set()
+    for match in TEXT.finditer(image.data):
+        text = match.group().decode()
+        found.update(path for path in ABSOLUTE_PATH.findall(text)
+                     if path not in known and not path.startswith(USER_PATHS))
+        found.update(SOURCE_FILE.findall(text))
+        if STAND_IN in text:
+            found.add(text)
+    for text in sorted(found):
+        yield f"the text \"{text}\" of the machine that built it is left in it"
+
+
+def check_information(bundle):
+    """The information dictionary agrees with the program."""
+    information = plistlib.loads((bundle / "Contents" / "Info.plist").read_bytes())
+    oldest = ".".join(str(part) for part in OLDEST_SYSTEM)
+    if information.get("LSMinimumSystemVersion") != oldest:
+        yield f"Info.plist: LSMinimumSystemVersion is {information.get('LSMinimumSystemVersion')}, not {oldest}"
+    if not re.fullmatch(r"\d+(\.\d+)*", information.get("CFBundleShortVersionString", "")):
+        yield "Info.plist: CFBundleShortVersionString is not a version"
+    for name in ("AppIcon.icns", "MenuBarTemplate.png"):
+        if not (bundle / "Contents" / "Resources" / name).is_file():
+            yield f"Resources/{name} is missing"
+
+
+def check_bundle(bundle, archive, any_symbol=False):
+    """(sentences for what is wrong, lines with the figures) of the application and its archive.
+
+    Apple's own linker may take any symbol: it knows which library has it, and the compiler which system has it.
+    """
+    libraries = sysroot.read_libraries()
+    if any_symbol:
+        libraries.append(sysroot.Library("c++", "/usr/lib/libc++.1.dylib", []))
+    images = [macho.read_image(part) for part in macho.slices((bundle / "Contents" / "MacOS" / "Tarnwick").read_bytes())]
+    problems = list(check_information(bundle))
+    if sorted(image.processor for image in images) != ["arm64", "x86_64"]:
+        problems.append(f"the program is for {', '.join(image.processor for image in images)}, not for arm64 and x86_64")
+    for image in images:
+        problems += [f"{image.processor}: {problem}" for problem in check_image(image, libraries, any_symbol)]
+    size = archive.stat().st_size
+    if size > LARGEST_ARCHIVE:
+        problems.append(f"{archive.name} has {size} bytes, more than {LARGEST_ARCHIVE}")
+    return problems, [*(figures(image) for image in images), f"{archive.name}: {size} bytes"]
+
+
+def figures(image):
+    code = sum(section.size for section in image.sections if section.name == "__text")
+    return (f"{image.processor}: code {code} bytes, file {len(image.data)} bytes, "
+            f"{len(image.imports)} imported symbols, {count_initialisers(image)} static initialisers")
+
+
+def main(arguments):
+    """Status 0 when the application is as it should be, 1 with sentences otherwise."""
+    if len(arguments) != 2:
+        print("usage: check.py BUNDLE ARCHIVE", file=sys.stderr)
+        return 2
+    try:
+        problems, lines = check_bundle(Path(arguments[0]), Path(arguments[1]))
+    except (macho.MachOError, sysroot.SysrootError, OSError, plistlib.InvalidFileException) as error:
+        problems, lines = [str(error)], []
+    for line in lines:
+        print(line)
+    for problem in problems:
+        print(f"check: {problem}", file=sys.stderr)
+    return 1 if problems else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

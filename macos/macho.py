@@ -1,0 +1,171 @@
+"""Reads Mach-O files: the slices of a universal file, and the load commands, libraries and symbols of each."""
+import struct
+from dataclasses import dataclass, field
+
+FAT_MAGIC = 0xCAFEBABE
+MAGIC_64 = 0xFEEDFACF
+PROCESSORS = {0x0100000C: "arm64", 0x01000007: "x86_64"}
+X86_64 = 0x01000007
+ARM64 = 0x0100000C
+
+LC_SYMTAB = 0x2
+LC_LOAD_DYLINKER = 0xE
+LC_SEGMENT_64 = 0x19
+LC_CODE_SIGNATURE = 0x1D
+LC_RPATH = 0x8000001C
+LC_MAIN = 0x80000028
+LC_BUILD_VERSION = 0x32
+LIBRARY_COMMANDS = {0xC: "LC_LOAD_DYLIB", 0x80000018: "LC_LOAD_WEAK_DYLIB", 0x8000001F: "LC_REEXPORT_DYLIB",
+                    0x20: "LC_LAZY_LOAD_DYLIB", 0x80000023: "LC_LOAD_UPWARD_DYLIB"}
+
+
+class MachOError(Exception):
+    """The file is not a Mach-O file of the kind that is read here."""
+
+
+@dataclass
+class Section:
+    segment: str
+    name: str
+    size: int
+
+
+@dataclass
+class Segment:
+    name: str
+    address: int
+    memory_size: int
+    file_offset: int
+    file_size: int
+    protection: int  # what the system lets the segment become: read 1, write 2, execute 4
+    command: int  # where the load command lies
+
+
+@dataclass
+class Import:
+    symbol: str
+    library: int  # from 1, in the order of the load commands; anything else is no library
+    weak: bool
+
+
+@dataclass
+class Image:
+    """One processor's program or library."""
+    data: bytes
+    cpu: int
+    subtype: int
+    filetype: int
+    flags: int
+    segments: list = field(default_factory=list)
+    sections: list = field(default_factory=list)
+    libraries: list = field(default_factory=list)  # (kind of command, install name)
+    run_paths: list = field(default_factory=list)
+    commands: list = field(default_factory=list)  # (command, where it lies)
+    imports: list = field(default_factory=list)
+    exports: list = field(default_factory=list)
+    debug_symbols: int = 0
+
+    @property
+    def processor(self):
+        return PROCESSORS.get(self.cpu, hex(self.cpu))
+
+    def command(self, wanted):
+        """Where the load command lies, or None."""
+        return next((position for command, position in self.commands if command == wanted), None)
+
+    def segment(self, name):
+        return next((segment for segment in self.segments if segment.name == name), None)
+
+
+def text_at(data, start, end=None):
+    """The bytes up to the first NUL as text."""
+    stop = data.find(b"\0", start, end)
+    return data[start:stop if stop >= 0 else end].decode(errors="replace")
+
+
+def is_macho(data):
+    """Whether the file begins as one that can be read here."""
+    return data[:4] in (struct.pack(">I", FAT_MAGIC), struct.pack("<I", MAGIC_64))
+
+
+def slices(data):
+    """The parts of a universal file, one for each processor; a thin file is its own only part."""
+    if data[:4] == struct.pack("<I", MAGIC_64):
+        return [data]
+    if data[:4] != struct.pack(">I", FAT_MAGIC):
+        raise MachOError("not a 64-bit Mach-O file")
+    parts = []
+    for entry in range(struct.unpack_from(">I", data, 4)[0]):
+        offset, size = struct.unpack_from(">2I", data, 8 + 20 * entry + 8)
+        if offset + size > len(data):
+            raise MachOError("a slice reaches past the end of the file")
+        parts.append(data[offset:offset + size])
+    return parts
+
+
+def join(parts):
+    """A universal file of these slices, each on a 16-kilobyte boundary as the system wants them."""
+    alignment = 14
+    parts = sorted(parts, key=lambda part: struct.unpack_from("<I", part, 4)[0])
+    header, body = struct.pack(">2I", FAT_MAGIC, len(parts)), b""
+    position = 1 << alignment
+    for part in parts:
+        cpu, subtype = struct.unpack_from("<2I", part, 4)
+        body += b"\0" * (position - (1 << alignment) - len(body))
+        header += struct.pack(">5I", cpu, subtype, position, len(part), alignment)
+        body += part
+        position += -(-len(part) >> alignment) << alignment
+    return header + b"\0" * ((1 << alignment) - len(header)) + body
+
+
+def read_image(data):
+    """What the load commands of one slice say."""
+    if len(data) < 32 or struct.unpack_from("<I", data)[0] != MAGIC_64:
+        raise MachOError("not a 64-bit Mach-O file")
+    cpu, subtype, filetype, count, _, flags = struct.unpack_from("<6I", data, 4)
+    image = Image(bytes(data), cpu, subtype, filetype, flags)
+    position = 32
+    for _ in range(count):
+        command, size = struct.unpack_from("<2I", data, position)
+        if size < 8 or position + size > len(data):
+            raise MachOError("a load command is damaged")
+        image.commands.append((command, position))
+        if command == LC_SEGMENT_64:
+            read_segment(image, position)
+        elif command in LIBRARY_COMMANDS:
+            name = position + struct.unpack_from("<I", data, position + 8)[0]
+            image.libraries.append((LIBRARY_COMMANDS[command], text_at(image.data, name, position + size)))
+        elif command == LC_RPATH:
+            name = position + struct.unpack_from("<I", data, position + 8)[0]
+            image.run_paths.append(text_at(image.data, name, position + size))
+        elif command == LC_SYMTAB:
+            read_symbols(image, position)
+        position += size
+    return image
+
+
+def read_segment(image, position):
+    """A segment and its sections."""
+    name = text_at(image.data, position + 8, position + 24)
+    address, memory_size, offset, size = struct.unpack_from("<4Q", image.data, position + 24)
+    protection, _, count = struct.unpack_from("<3I", image.data, position + 56)
+    image.segments.append(Segment(name, address, memory_size, offset, size, protection, position))
+    for start in range(position + 72, position + 72 + 80 * count, 80):
+        section = text_at(image.data, start, start + 16)
+        image.sections.append(Section(name, section, struct.unpack_from("<Q", image.data, start + 40)[0]))
+
+
+def read_symbols(image, position):
+    """What the image takes from libraries and what it offers to others."""
+    table, count, strings, _ = struct.unpack_from("<4I", image.data, position + 8)
+    for entry in range(table, table + 16 * count, 16):
+        name, kind, _, description = struct.unpack_from("<I2BH", image.data, entry)
+        if kind & 0xE0:
+            image.debug_symbols += 1
+        if kind & 0xE0 or not kind & 1:  # for the debugger, or not seen outside
+            continue
+        symbol = text_at(image.data, strings + name)
+        if kind & 0x0E == 0:
+            image.imports.append(Import(symbol, description >> 8, bool(description & 0x40)))
+        else:
+            image.exports.append(symbol)
