@@ -24,7 +24,7 @@ public:
   const PropertyList* value(const std::u16string& key) const;
 
   /// Both save at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
-  /// next change. A crash at any moment leaves either the old file or the new one.
+  /// next change. A crash at any moment leaves the old file or the new one whole; a broken one may already be aside.
   void set(const std::u16string& key, PropertyList value);
   void remove(const std::u16string& key);
 

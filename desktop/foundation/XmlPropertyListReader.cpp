@@ -117,14 +117,14 @@ private:
     if (at == text.size()) fail(at, "the text ends where an element should begin");
     if (!take("<") || lookingAt("/")) fail(start, "an element should begin here");
     const auto inside = takeUntil(">", "a tag");
-    Tag tag{std::string(inside.substr(0, inside.find_first_of(" \t\r\n/"))), inside.ends_with('/'), start};
-    return tag;
+    return {std::string(inside.substr(0, inside.find_first_of(" \t\r\n/"))), inside.ends_with('/'), start};
   }
 
   void closeTag(const Tag& tag) {
     const auto start = at;
-    if (!take("</") || trimmed(takeUntil(">", "a tag")) != tag.name)
+    if (!take("</") || trimmed(takeUntil(">", "a tag")) != tag.name) {
       fail(start, "</" + tag.name + "> should stand here");
+    }
   }
 
   /// The tag of the next child, or nothing once the parent ends.

@@ -89,8 +89,10 @@ public:
     const std::size_t letters = 76 - 8 * std::min(indentation, std::size_t{8});
     const std::size_t bytesPerLine = letters / 4 * 3;
     line("<data>");
-    for (std::span rest(data); !rest.empty(); rest = rest.subspan(std::min(bytesPerLine, rest.size()))) {
-      line(dataText(rest.first(std::min(bytesPerLine, rest.size()))));
+    for (std::span rest(data); !rest.empty();) {
+      const auto count = std::min(bytesPerLine, rest.size());
+      line(dataText(rest.first(count)));
+      rest = rest.subspan(count);
     }
     line("</data>");
   }

@@ -1,0 +1,78 @@
+#include "desktop/appkit/AppKit.hpp"
+
+namespace desktop {
+namespace {
+
+struct StatusBar : Object {
+  static Ref<StatusItem> statusItemWithLength(CGFloat length) {
+    auto item = create<StatusItem>();
+    item->length = length;
+    item->itsButton = create<StatusBarButton>();
+    Desktop::current().appKit->statusItems.push_back(item.get());
+    return item;
+  }
+};
+
+StatusBar* systemStatusBar() {
+  static StatusBar* const bar = create<StatusBar>().detach();
+  return bar;
+}
+
+} // namespace
+
+MenuItem* MenuItem::initWithTitle(String* text, SEL selector, String* key) {
+  title = shared(text);
+  action = selector;
+  keyEquivalent = shared(key);
+  return this;
+}
+
+Ref<MenuItem> MenuItem::separatorItem() {
+  auto item = create<MenuItem>();
+  item->isSeparator = true;
+  return item;
+}
+
+MenuItem* Menu::itemWithTitle(const std::string& title) const {
+  for (const auto& item : items) {
+    if (!item->isSeparator && textOf(item->title.get()) == title) return item.get();
+  }
+  return nullptr;
+}
+
+StatusItem::~StatusItem() {
+  std::erase(Desktop::current().appKit->statusItems, this);
+}
+
+void StatusItem::setMenu(Menu* value) {
+  menu = shared(value);
+  const bool showsImage = static_cast<bool>(itsButton->image);
+  Desktop::current().journal({"status", showsImage ? "image" : textOf(itsButton->title.get())});
+}
+
+Menu* AppKit::statusMenu() const {
+  return statusItems.empty() ? nullptr : statusItems.front()->menu.get();
+}
+
+void registerStatusBarClasses() {
+  NativeClass<MenuItem>("NSMenuItem", "NSObject")
+      .classMethod<"separatorItem", &MenuItem::separatorItem>()
+      .method<"initWithTitle:action:keyEquivalent:", &MenuItem::initWithTitle>()
+      .method<"setTarget:", &MenuItem::setTarget>()
+      .method<"setAction:", &MenuItem::setAction>()
+      .method<"setEnabled:", &MenuItem::setEnabled>()
+      .method<"setTitle:", &MenuItem::setTitle>();
+  NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
+  NativeClass<StatusBarButton>("NSStatusBarButton", "NSObject")
+      .method<"setImage:", &StatusBarButton::setImage>()
+      .method<"setImagePosition:", &StatusBarButton::setImagePosition>()
+      .method<"setTitle:", &StatusBarButton::setTitle>();
+  NativeClass<StatusItem>("NSStatusItem", "NSObject")
+      .method<"button", &StatusItem::button>()
+      .method<"setMenu:", &StatusItem::setMenu>();
+  NativeClass<StatusBar>("NSStatusBar", "NSObject")
+      .classMethod<"systemStatusBar", &systemStatusBar>()
+      .method<"statusItemWithLength:", &StatusBar::statusItemWithLength>();
+}
+
+} // namespace desktop

@@ -1,0 +1,116 @@
+#include "desktop/foundation/Foundation.hpp"
+#include "desktop/quartz/Desktop.hpp"
+
+#include <fstream>
+#include <iterator>
+
+namespace desktop {
+namespace {
+
+constexpr std::string_view fileScheme = "file://";
+
+bool hasScheme(std::string_view text) {
+  const auto colon = text.find(':');
+  if (colon == std::string_view::npos || colon == 0) return false;
+  const auto scheme = text.substr(0, colon);
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  return isLetter(scheme.front()) && scheme.find_first_of(" \"<>\\^`{|}/?#") == std::string_view::npos;
+}
+
+/// Empty when the text cannot be a URL.
+Ref<URL> URLWithString(String* text) {
+  const std::string characters = textOf(text);
+  if (!hasScheme(characters) || characters.find_first_of(" \"<>\\^`{|}\n\t") != std::string::npos) return nullptr;
+  auto url = create<URL>();
+  url->text = characters;
+  return url;
+}
+
+Ref<URL> fileURLWithPath(String* path) {
+  return fileURL(textOf(path));
+}
+
+PropertyList readInformation(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+  auto reading = parsePropertyList(bytes);
+  const bool isDictionary = reading && reading.value.as<PropertyList::Dictionary>() != nullptr;
+  return isDictionary ? std::move(reading.value) : PropertyList(PropertyList::Dictionary());
+}
+
+Bundle* mainBundle() {
+  return Desktop::current().mainBundle.get();
+}
+UserDefaults* standardUserDefaults() {
+  return Desktop::current().defaults.get();
+}
+
+} // namespace
+
+Ref<URL> fileURL(const std::string& path) {
+  auto url = create<URL>();
+  url->path = path;
+  url->text = std::string(fileScheme) + path;
+  return url;
+}
+
+Bundle* Bundle::initWithURL(URL* url) {
+  if (url->path.empty() || !std::filesystem::is_directory(url->path)) {
+    release(this);
+    return nullptr;
+  }
+  open(url->path);
+  return this;
+}
+
+void Bundle::open(const std::filesystem::path& path) {
+  folder = path;
+  information = readInformation(folder / "Contents" / "Info.plist");
+  identifier = shared(ifIs<String>(objectForInfoDictionaryKey(string(u"CFBundleIdentifier").get()).get()));
+}
+
+String* Bundle::bundleIdentifier() const {
+  if (isMain) ++Desktop::current().queries.ownIdentifier;
+  return identifier.get();
+}
+
+Ref<Object> Bundle::objectForInfoDictionaryKey(String* key) const {
+  const auto& entries = *information.as<PropertyList::Dictionary>();
+  const auto found = entries.find(key->text);
+  return found != entries.end() ? objectOf(found->second) : nullptr;
+}
+
+Ref<URL> Bundle::URLForResource(String* name, String* extension) const {
+  const auto file = folder / "Contents" / "Resources" / (textOf(name) + "." + textOf(extension));
+  return std::filesystem::exists(file) ? fileURL(file.string()) : nullptr;
+}
+
+Ref<Array> UserDefaults::arrayForKey(String* key) const {
+  const PropertyList* value = file->value(key->text);
+  if (value == nullptr || value->as<PropertyList::Array>() == nullptr) return nullptr;
+  return shared(as<Array>(objectOf(*value).get()));
+}
+
+void UserDefaults::setObject(Object* value, String* key) {
+  auto list = propertyListOf(value);
+  if (!list) stop("user defaults hold property lists only; '" + textOf(key) + "' was given something else");
+  file->set(key->text, *std::move(list));
+}
+
+void registerBundleClasses() {
+  NativeClass<URL>("NSURL", "NSObject")
+      .classMethod<"URLWithString:", &URLWithString>()
+      .classMethod<"fileURLWithPath:", &fileURLWithPath>();
+  NativeClass<Bundle>("NSBundle", "NSObject")
+      .classMethod<"mainBundle", &mainBundle>()
+      .method<"initWithURL:", &Bundle::initWithURL>()
+      .method<"bundleIdentifier", &Bundle::bundleIdentifier>()
+      .method<"objectForInfoDictionaryKey:", &Bundle::objectForInfoDictionaryKey>()
+      .method<"URLForResource:withExtension:", &Bundle::URLForResource>();
+  NativeClass<UserDefaults>("NSUserDefaults", "NSObject")
+      .classMethod<"standardUserDefaults", &standardUserDefaults>()
+      .method<"arrayForKey:", &UserDefaults::arrayForKey>()
+      .method<"setObject:forKey:", &UserDefaults::setObject>();
+}
+
+} // namespace desktop

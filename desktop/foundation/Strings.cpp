@@ -1,0 +1,85 @@
+#include "desktop/foundation/Foundation.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+namespace {
+
+/// Unicode's category Z, tab, line feed to carriage return, next line.
+bool isWhitespaceOrNewline(char16_t unit) {
+  static constexpr char16_t others[] = {0x20, 0x85, 0xA0, 0x1680, 0x2028, 0x2029, 0x202F, 0x205F, 0x3000};
+  return (unit >= 0x09 && unit <= 0x0D) || (unit >= 0x2000 && unit <= 0x200A) ||
+         std::find(std::begin(others), std::end(others), unit) != std::end(others);
+}
+
+} // namespace
+
+Ref<String> string(std::u16string_view text) {
+  auto made = create<String>();
+  made->text = text;
+  return made;
+}
+
+Ref<String> string(std::string_view text) {
+  return string(utf16(text).value_or(u"\uFFFD"));
+}
+
+std::string textOf(const String* string) {
+  return string != nullptr ? utf8(string->text) : std::string();
+}
+
+String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger encoding) {
+  constexpr NSUInteger NSUTF8StringEncoding = 4;
+  if (encoding != NSUTF8StringEncoding) stop("no string encoding but UTF-8 (4) is known here");
+  auto units = utf16({static_cast<const char*>(bytes), length});
+  if (!units) {
+    release(this);
+    return nullptr;
+  }
+  text = *std::move(units);
+  return this;
+}
+
+void String::getCharacters(char16_t* units, NSRange range) const {
+  if (range.location + range.length > text.size()) stop("characters beyond the end of a string were asked for");
+  std::copy_n(text.data() + range.location, range.length, units);
+}
+
+Ref<String> String::stringByAppendingString(String* tail) const {
+  return string(text + tail->text);
+}
+
+Ref<String> String::stringByTrimmingCharactersInSet(Object* set) const {
+  as<CharacterSet>(set);
+  const auto kept = [](char16_t unit) { return !isWhitespaceOrNewline(unit); };
+  const auto first = std::find_if(text.begin(), text.end(), kept);
+  const auto last = std::find_if(text.rbegin(), std::make_reverse_iterator(first), kept).base();
+  return string(std::u16string(first, last));
+}
+
+Ref<String> String::precomposedStringWithCanonicalMapping() const {
+  return string(composed(text));
+}
+
+namespace {
+Ref<CharacterSet> whitespaceAndNewlineCharacterSet() {
+  return create<CharacterSet>();
+}
+} // namespace
+
+void registerStringClasses() {
+  NativeClass<String>("NSString", "NSObject")
+      .method<"initWithBytes:length:encoding:", &String::initWithBytes>()
+      .method<"length", &String::length>()
+      .method<"hash", &String::hash>()
+      .method<"isEqualToString:", &String::isEqualToString>()
+      .method<"containsString:", &String::containsString>()
+      .method<"getCharacters:range:", &String::getCharacters>()
+      .method<"stringByAppendingString:", &String::stringByAppendingString>()
+      .method<"stringByTrimmingCharactersInSet:", &String::stringByTrimmingCharactersInSet>()
+      .method<"precomposedStringWithCanonicalMapping", &String::precomposedStringWithCanonicalMapping>();
+  NativeClass<CharacterSet>("NSCharacterSet", "NSObject")
+      .classMethod<"whitespaceAndNewlineCharacterSet", &whitespaceAndNewlineCharacterSet>();
+}
+
+} // namespace desktop

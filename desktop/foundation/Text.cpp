@@ -1,0 +1,95 @@
+#include "desktop/foundation/Text.hpp"
+
+#include <cstdlib>
+#include <memory>
+#include <utf8proc.h>
+
+namespace desktop {
+namespace {
+
+constexpr char32_t replacement = 0xFFFD;
+
+bool isLeading(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isTrailing(char32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void append(std::u16string& text, char32_t point) {
+  if (point < 0x10000) {
+    text.push_back(static_cast<char16_t>(point));
+    return;
+  }
+  text.push_back(static_cast<char16_t>(0xD800 + ((point - 0x10000) >> 10)));
+  text.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
+}
+
+/// The code point at `at`, which moves on; a lone surrogate stands for itself.
+char32_t nextPoint(std::u16string_view text, std::size_t& at) {
+  const char32_t unit = text[at++];
+  if (!isLeading(unit) || at == text.size() || !isTrailing(text[at])) return unit;
+  return 0x10000 + ((unit - 0xD800) << 10) + (text[at++] - 0xDC00U);
+}
+
+bool isSurrogate(char32_t point) {
+  return isLeading(point) || isTrailing(point);
+}
+
+std::string composedPiece(const std::string& piece) {
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> result(
+      utf8proc_NFC(reinterpret_cast<const utf8proc_uint8_t*>(piece.c_str())), &std::free);
+  return result ? std::string(reinterpret_cast<const char*>(result.get())) : piece;
+}
+
+} // namespace
+
+std::optional<std::u16string> utf16(std::string_view text) {
+  std::u16string units;
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  auto left = static_cast<utf8proc_ssize_t>(text.size());
+  while (left > 0) {
+    utf8proc_int32_t point = 0;
+    const utf8proc_ssize_t used = utf8proc_iterate(bytes, left, &point);
+    if (used <= 0) return std::nullopt;
+    append(units, static_cast<char32_t>(point));
+    bytes += used;
+    left -= used;
+  }
+  return units;
+}
+
+std::string utf8(std::u16string_view text) {
+  std::string bytes;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t point = nextPoint(text, at);
+    utf8proc_uint8_t encoded[4];
+    const auto count = utf8proc_encode_char(static_cast<utf8proc_int32_t>(isSurrogate(point) ? replacement : point),
+                                            static_cast<utf8proc_uint8_t*>(encoded));
+    bytes.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(count));
+  }
+  return bytes;
+}
+
+std::u16string composed(std::u16string_view text) {
+  // What UTF-8 or a C string cannot carry (NUL, lone surrogates) never composes: it parts the text into pieces.
+  std::u16string result;
+  std::u16string piece;
+  const auto flush = [&] {
+    result += utf16(composedPiece(utf8(piece))).value_or(piece);
+    piece.clear();
+  };
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t point = nextPoint(text, at);
+    if (point != 0 && !isSurrogate(point)) {
+      append(piece, point);
+      continue;
+    }
+    flush();
+    append(result, point);
+  }
+  flush();
+  return result;
+}
+
+} // namespace desktop

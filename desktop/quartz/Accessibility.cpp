@@ -1,0 +1,90 @@
+#include "desktop/quartz/Accessibility.hpp"
+
+#include "desktop/quartz/Desktop.hpp"
+#include "platform/Accessibility.hpp"
+
+using namespace desktop;
+
+namespace {
+
+// The platform's codes for a question that could not be answered.
+constexpr auto kAXErrorFailure = static_cast<AXError>(-25200);
+constexpr auto kAXErrorAttributeUnsupported = static_cast<AXError>(-25205);
+constexpr auto kAXErrorCannotComplete = static_cast<AXError>(-25204);
+constexpr auto kAXErrorNoValue = static_cast<AXError>(-25212);
+constexpr auto kAXErrorAPIDisabled = static_cast<AXError>(-25211);
+/// The platform's default messaging time-out.
+constexpr std::int64_t timeoutNanoseconds = 6'000'000'000;
+
+AXError give(Ref<Object> value, CFTypeRef* result) {
+  *result = static_cast<id>(value.detach());
+  return kAXErrorSuccess;
+}
+
+Ref<Object> focusedElement(const RunningApplication& application) {
+  auto element = create<AccessibilityElement>();
+  element->role = application.role;
+  return element;
+}
+
+/// An answer as the desktop was told to give it, `proper` unless it was told otherwise.
+AXError answer(FocusAnswer how, const std::function<Ref<Object>()>& proper, CFTypeRef* result) {
+  switch (how) {
+  case FocusAnswer::NotAtAll:
+    Desktop::current().queue.now += timeoutNanoseconds;
+    return kAXErrorCannotComplete;
+  case FocusAnswer::Error:
+    return kAXErrorFailure;
+  case FocusAnswer::NoValue:
+    return give(nullptr, result);
+  case FocusAnswer::WrongType:
+    return give(create<Number>(), result);
+  case FocusAnswer::Proper:
+    break;
+  }
+  return give(proper(), result);
+}
+
+} // namespace
+
+extern "C" {
+
+Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
+  Desktop& desktop = Desktop::current();
+  const auto* entries = as<Dictionary>(reinterpret_cast<id>(const_cast<__CFDictionary*>(options)));
+  const auto* key = as<String>(reinterpret_cast<id>(const_cast<__CFString*>(kAXTrustedCheckOptionPrompt)));
+  const auto found = entries->entries.find(key->text);
+  const bool mayPrompt =
+      found != entries->entries.end() && as<Number>(found->second.get())->value == PropertyList(true);
+  if (!desktop.trusted && mayPrompt) desktop.journal({"prompt"});
+  return desktop.trusted;
+}
+
+AXUIElementRef AXUIElementCreateSystemWide() {
+  auto element = create<AccessibilityElement>();
+  element->isSystemWide = true;
+  return reinterpret_cast<AXUIElementRef>(static_cast<id>(element.detach()));
+}
+
+CFTypeID AXUIElementGetTypeID() {
+  return reinterpret_cast<CFTypeID>(nativeClass<AccessibilityElement>);
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef attribute, CFTypeRef* value) {
+  Desktop& desktop = Desktop::current();
+  const auto* element = as<AccessibilityElement>(reinterpret_cast<id>(const_cast<__AXUIElement*>(reference)));
+  const std::string name = textOf(as<String>(reinterpret_cast<id>(const_cast<__CFString*>(attribute))));
+  const bool asksFocus = element->isSystemWide && name == "AXFocusedUIElement";
+  const bool asksRole = !element->isSystemWide && name == "AXRole";
+  if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;
+  ++(asksFocus ? desktop.queries.focusedElement : desktop.queries.role);
+  if (!desktop.trusted) return kAXErrorAPIDisabled;
+  if (asksRole) {
+    return answer(
+        desktop.roleAnswer, [&] { return string(*element->role); }, value);
+  }
+  if (!desktop.frontmost || !desktop.frontmost->role) return kAXErrorNoValue;
+  return answer(
+      desktop.focusAnswer, [&] { return focusedElement(*desktop.frontmost); }, value);
+}
+}

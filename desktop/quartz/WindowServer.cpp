@@ -1,0 +1,192 @@
+#include "desktop/quartz/WindowServer.hpp"
+
+#include "desktop/quartz/Desktop.hpp"
+#include "desktop/session/Trace.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+namespace {
+
+bool wants(const EventTap& tap, const Event& event) {
+  return tap.listens() && (tap.mask & (CGEventMask{1} << event.type)) != 0;
+}
+
+CGEventRef refOf(Event* event) {
+  return reinterpret_cast<CGEventRef>(static_cast<id>(event));
+}
+Event* eventOf(CGEventRef event) {
+  return as<Event>(reinterpret_cast<id>(event));
+}
+EventTap* tapOf(CFMachPortRef port) {
+  return as<EventTap>(reinterpret_cast<id>(port));
+}
+RunLoopSource* sourceOf(CFRunLoopSourceRef source) {
+  return as<RunLoopSource>(reinterpret_cast<id>(source));
+}
+
+/// Name, direction and numbers of an event, as facts tell it.
+Fact factOf(std::initializer_list<std::string> start, const Event& event) {
+  Fact fact(start);
+  fact.emplace_back(event.type == kCGEventKeyDown ? "down" : "up");
+  fact.push_back(traceCode(static_cast<std::uint16_t>(event.code)));
+  fact.push_back(traceFlags(event.flags));
+  return fact;
+}
+
+Ref<Event> makeEvent(CGEventType type, std::uint16_t code, CGEventFlags flags) {
+  auto event = create<Event>();
+  event->type = type;
+  event->code = code;
+  event->flags = flags;
+  return event;
+}
+
+} // namespace
+
+RunLoopSource::~RunLoopSource() = default;
+EventTap::~EventTap() {
+  Desktop::current().server.remove(this);
+}
+
+void WindowServer::add(EventTap* tap, CGEventTapPlacement placement) {
+  taps.insert(placement == kCGHeadInsertEventTap ? taps.begin() : taps.end(), tap);
+}
+
+void WindowServer::remove(EventTap* tap) {
+  std::erase(taps, tap);
+}
+
+void WindowServer::forgetProgram() {
+  const auto gone = std::exchange(taps, {});
+  for (EventTap* tap : gone)
+    tap->scheduled = nullptr;
+  posted.clear();
+}
+
+Event* WindowServer::throughTaps(Event* event) {
+  for (EventTap* tap : taps) {
+    if (!wants(*tap, *event)) continue;
+    event = eventOf(tap->callback(nullptr, event->type, refOf(event), tap->userInfo));
+    if (event == nullptr) return nullptr;
+  }
+  return event;
+}
+
+void WindowServer::type(CGEventType type, std::uint16_t code, CGEventFlags flags) {
+  const platform::AutoreleasePool pool;
+  const auto event = makeEvent(type, code, flags);
+  if (const Event* left = throughTaps(event.get())) {
+    deliver(*left);
+  } else {
+    Desktop::current().journal(factOf({"swallowed"}, *makeEvent(type, code, flags)));
+  }
+}
+
+void WindowServer::post(Ref<Event> event) {
+  Desktop::current().journal(factOf({"post"}, *event));
+  // The server takes a copy: what its maker does to the event afterwards has no effect.
+  posted.push_back(makeEvent(event->type, static_cast<std::uint16_t>(event->code), event->flags));
+}
+
+bool WindowServer::sendPosted() {
+  if (posted.empty()) return false;
+  const auto event = posted.front();
+  posted.pop_front();
+  if (const Event* left = throughTaps(event.get())) deliver(*left);
+  return true;
+}
+
+bool WindowServer::disableTaps(CGEventType notification) {
+  bool any = false;
+  for (EventTap* tap : std::vector(taps)) {
+    if (!tap->listens()) continue;
+    any = true;
+    tap->enabled = false;
+    const auto event = makeEvent(notification, 0, 0);
+    tap->callback(nullptr, notification, refOf(event.get()), tap->userInfo);
+  }
+  return any;
+}
+
+void WindowServer::deliver(const Event& event) {
+  const auto receiver = Desktop::current().frontmost;
+  Desktop::current().journal(factOf({"key", receiver ? receiver->name : ""}, event));
+  if (receiver && receiver->reaction != nullptr) receiver->reaction(*receiver, event);
+}
+
+} // namespace desktop
+
+using namespace desktop;
+
+extern "C" {
+
+CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement placement, CGEventTapOptions options,
+                               CGEventMask mask, CGEventTapCallBack callback, void* userInfo) {
+  Desktop& desktop = Desktop::current();
+  const TapGrant grant = desktop.server.grant;
+  if (grant == TapGrant::Refuse || (grant == TapGrant::Auto && !desktop.trusted)) return nullptr;
+  if (options != kCGEventTapOptionDefault) stop("only active taps (option 0) are known here");
+  auto tap = create<EventTap>();
+  tap->location = location;
+  tap->mask = mask;
+  tap->callback = callback;
+  tap->userInfo = userInfo;
+  desktop.server.add(tap.get(), placement);
+  return reinterpret_cast<CFMachPortRef>(static_cast<id>(tap.detach()));
+}
+
+void CGEventTapEnable(CFMachPortRef tap, bool enable) {
+  tapOf(tap)->enabled = enable;
+}
+
+CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
+  if (Desktop::current().faults.runLoopSource) return nullptr;
+  auto source = create<RunLoopSource>();
+  source->tap = shared(tapOf(port));
+  return reinterpret_cast<CFRunLoopSourceRef>(static_cast<id>(source.detach()));
+}
+
+CFRunLoopRef CFRunLoopGetCurrent() {
+  static char onlyLoop;
+  return reinterpret_cast<CFRunLoopRef>(&onlyLoop);
+}
+
+void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  if (mode != kCFRunLoopCommonModes) stop("a source outside of the common modes would miss events under an alert");
+  sourceOf(source)->tap->scheduled = shared(sourceOf(source));
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode) {
+  sourceOf(source)->tap->scheduled = nullptr;
+}
+
+CGEventFlags CGEventGetFlags(CGEventRef event) {
+  return eventOf(event)->flags;
+}
+void CGEventSetFlags(CGEventRef event, CGEventFlags flags) {
+  eventOf(event)->flags = flags;
+}
+
+std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
+  if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
+  return eventOf(event)->code;
+}
+
+void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, std::int64_t value) {
+  if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
+  eventOf(event)->code = value;
+}
+
+CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode virtualKey, bool keyDown) {
+  const Faults& faults = Desktop::current().faults;
+  if (keyDown ? faults.keyDownEvent : faults.keyUpEvent) return nullptr;
+  auto event = makeEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp, virtualKey, 0);
+  return refOf(event.detach());
+}
+
+void CGEventPost(CGEventTapLocation location, CGEventRef event) {
+  if (location != kCGHIDEventTap) stop("events are posted at the HID level (0) only");
+  Desktop::current().server.post(shared(eventOf(event)));
+}
+}

@@ -1,0 +1,72 @@
+/// The window server: where key events enter, the taps they pass, the application that gets them.
+#pragma once
+
+#include "desktop/runtime/Runtime.hpp"
+#include "platform/EventServices.hpp"
+
+#include <deque>
+
+namespace desktop {
+
+/// A keyboard event.
+struct Event : Object {
+  CGEventType type = kCGEventKeyDown;
+  std::int64_t code = 0;
+  CGEventFlags flags = 0;
+};
+
+struct EventTap;
+
+/// What puts a tap's events on a run loop.
+struct RunLoopSource : Object {
+  Ref<EventTap> tap;
+  ~RunLoopSource();
+};
+
+/// A tap, known to the program by its Mach port. Gone from the server with its last reference.
+struct EventTap : Object {
+  CGEventTapLocation location = kCGSessionEventTap;
+  CGEventMask mask = 0;
+  CGEventTapCallBack callback = nullptr;
+  void* userInfo = nullptr;
+  bool enabled = true;
+  /// Scheduled on the main run loop in the common modes. Kept alive by the loop meanwhile.
+  Ref<RunLoopSource> scheduled;
+
+  ~EventTap();
+  bool listens() const { return enabled && scheduled; }
+};
+
+/// Whether a tap is granted; `Auto` follows Accessibility trust.
+enum class TapGrant { Auto, Allow, Refuse };
+
+class WindowServer {
+public:
+  TapGrant grant = TapGrant::Auto;
+
+  /// A key of the keyboard. Goes through the taps and to the frontmost application before this returns.
+  void type(CGEventType type, std::uint16_t code, CGEventFlags flags);
+  /// An event made by a program: on its way once the run loop turns.
+  void post(Ref<Event> event);
+  /// Sends the next posted event on its way; false when there is none.
+  bool sendPosted();
+  /// Disables the listening taps and tells them; false when there are none.
+  bool disableTaps(CGEventType notification);
+
+  /// The event as it leaves the taps, or null when one of them kept it.
+  Event* throughTaps(Event* event);
+
+  void add(EventTap* tap, CGEventTapPlacement placement);
+  void remove(EventTap* tap);
+  /// The program has ended: its taps and events go with it.
+  void forgetProgram();
+
+private:
+  void deliver(const Event& event);
+
+  /// In the order in which events pass them. Not owned.
+  std::vector<EventTap*> taps;
+  std::deque<Ref<Event>> posted;
+};
+
+} // namespace desktop

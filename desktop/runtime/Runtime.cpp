@@ -1,0 +1,323 @@
+#include "desktop/runtime/Runtime.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <set>
+
+namespace desktop {
+namespace {
+
+/// Everything registered: kept until the process ends, as on the platform.
+struct Registry {
+  std::map<std::string, std::unique_ptr<objc_class>> classes;
+  std::vector<std::unique_ptr<objc_class>> metaclasses;
+  std::unordered_map<std::string, SEL> selectors;
+  std::unordered_map<SEL, std::string> selectorTexts;
+  /// A protocol is its name; it is known once somebody asked for it.
+  std::set<std::string> protocols;
+  /// Classes of released instances, by the class they had.
+  std::unordered_map<Class, std::unique_ptr<objc_class>> released;
+  /// Memory of released instances: kept aside so that a late message finds out.
+  std::vector<void*> remains;
+};
+
+Registry& registry() {
+  static auto* const only = new Registry;
+  return *only;
+}
+
+struct Pool {
+  std::vector<id> waiting;
+  std::vector<std::size_t> marks;
+};
+
+Pool& pools() {
+  static auto* const only = new Pool;
+  return *only;
+}
+
+const Method* findMethod(Class start, SEL selector) {
+  objc_class::CacheEntry& entry = start->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % 64];
+  if (entry.selector == selector) return entry.method;
+  for (Class cls = start; cls != nullptr; cls = cls->superclass) {
+    const auto found = cls->methods.find(selector);
+    if (found != cls->methods.end()) {
+      entry = {selector, &found->second};
+      return entry.method;
+    }
+  }
+  return nullptr;
+}
+
+void forgetLookups() {
+  for (auto& [name, cls] : registry().classes)
+    cls->cache = {};
+  for (auto& cls : registry().metaclasses)
+    cls->cache = {};
+}
+
+std::string describeReceiver(id receiver) {
+  const Class cls = receiver->isa;
+  return cls->isMeta ? "the class " + cls->name : "a " + cls->name;
+}
+
+void checkAlive(const objc_object* object, const char* what) {
+  if (object->isa->isReleased) stop("a released " + object->isa->name + " was " + what);
+}
+
+Class releasedClass(Class cls) {
+  auto& made = registry().released[cls];
+  if (!made) {
+    made = std::make_unique<objc_class>();
+    made->name = cls->name;
+    made->isReleased = true;
+  }
+  return made.get();
+}
+
+/// The last act of every instance's life: counts, the C++ part, the memory kept aside.
+void deallocate(Object* object) {
+  const Class cls = object->isa;
+  --cls->live;
+  cls->destroy(object);
+  object->isa = releasedClass(cls);
+  registry().remains.push_back(object);
+}
+
+id alloc(id self, SEL) {
+  return allocate(reinterpret_cast<Class>(self));
+}
+id initialise(id self, SEL) {
+  return self;
+}
+void dealloc(id self, SEL) {
+  deallocate(static_cast<Object*>(self));
+}
+BOOL isKindOfClass(id self, SEL, Class cls) {
+  return isKindOf(self, cls);
+}
+
+template <class Result, class... Arguments>
+void addRootMethod(Class to, const char* selector, Result (*function)(id, SEL, Arguments...)) {
+  class_addMethod(to, sel_registerName(selector), reinterpret_cast<IMP>(function),
+                  platform::methodEncoding<Result, Arguments...>.text);
+}
+
+} // namespace
+
+void stop(const std::string& sentence) {
+  std::fflush(stdout);
+  std::fprintf(stderr, "tarnwick: %s\n", sentence.c_str());
+  std::abort();
+}
+
+bool isKindOf(const objc_object* object, Class cls) {
+  for (Class each = object->isa; each != nullptr; each = each->superclass) {
+    if (each == cls) return true;
+  }
+  return false;
+}
+
+bool respondsTo(id object, const char* selector) {
+  return findMethod(object->isa, sel_registerName(selector)) != nullptr;
+}
+
+bool conformsTo(id object, const std::string& protocol) {
+  for (Class each = object->isa; each != nullptr; each = each->superclass) {
+    if (each->protocols.count(protocol) != 0) return true;
+  }
+  return false;
+}
+
+Object* retain(Object* object) {
+  checkAlive(object, "retained");
+  ++object->references;
+  return object;
+}
+
+void release(Object* object) {
+  checkAlive(object, "released again");
+  if (--object->references > 0) return;
+  static const SEL dealloc = sel_registerName("dealloc");
+  const IMP method = desktop_methodFor(object, nullptr, dealloc, platform::methodEncoding<void>.text);
+  reinterpret_cast<void (*)(id, SEL)>(method)(object, dealloc);
+}
+
+id autorelease(id object) {
+  if (object == nullptr) return nullptr;
+  if (pools().marks.empty()) stop("a " + object->isa->name + " was autoreleased outside of any pool");
+  pools().waiting.push_back(object);
+  return object;
+}
+
+Object* allocate(Class cls) {
+  void* const memory = std::calloc(1, cls->instanceSize);
+  cls->construct(memory);
+  auto* const object = static_cast<Object*>(memory);
+  object->isa = cls;
+  ++cls->live;
+  return object;
+}
+
+long liveObjects(const std::string& className) {
+  const Class asked = objc_getClass(className.c_str());
+  long sum = 0;
+  for (const auto& [name, cls] : registry().classes) {
+    for (Class each = cls.get(); each != nullptr; each = each->superclass) {
+      if (each == asked) sum += cls->live;
+    }
+  }
+  return sum;
+}
+
+std::vector<std::pair<std::string, long>> liveObjects() {
+  std::vector<std::pair<std::string, long>> counts;
+  for (const auto& [name, cls] : registry().classes) {
+    if (cls->live != 0) counts.emplace_back(name, cls->live);
+  }
+  return counts;
+}
+
+const char* selectorText(SEL selector) {
+  return registry().selectorTexts.at(selector).c_str();
+}
+
+void sendAction(SEL selector, id target, id sender) {
+  if (target == nullptr || selector == nullptr) return;
+  const bool takesSender = std::strchr(selectorText(selector), ':') != nullptr;
+  if (takesSender) {
+    platform::wire::call<void, id>(target, selector, sender);
+  } else {
+    platform::wire::call<void>(target, selector);
+  }
+}
+
+void registerRootClass() {
+  const NativeClass<Object> root("NSObject", nullptr);
+  const Class cls = nativeClass<Object>;
+  addRootMethod(cls->isa, "alloc", alloc);
+  addRootMethod(cls, "init", initialise);
+  addRootMethod(cls, "dealloc", dealloc);
+  addRootMethod(cls, "isKindOfClass:", isKindOfClass);
+}
+
+} // namespace desktop
+
+using desktop::registry;
+
+extern "C" {
+
+IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding) {
+  const Class cls = start != nullptr ? start : receiver->isa;
+  if (receiver->isa->isReleased) {
+    desktop::stop(std::string("message '") + desktop::selectorText(selector) + "' to a released " +
+                  receiver->isa->name);
+  }
+  const desktop::Method* const method = desktop::findMethod(cls, selector);
+  if (method == nullptr) {
+    desktop::stop(desktop::describeReceiver(receiver) + " has no method '" + desktop::selectorText(selector) +
+                  "' (called as " + encoding + ")");
+  }
+  if (method->encoding != encoding) {
+    desktop::stop(std::string("'") + desktop::selectorText(selector) + "' of " + desktop::describeReceiver(receiver) +
+                  " has the type " + method->encoding + " but was called as " + encoding);
+  }
+  return method->implementation;
+}
+
+Class objc_getClass(const char* name) {
+  const auto found = registry().classes.find(name);
+  return found != registry().classes.end() ? found->second.get() : nullptr;
+}
+
+Class objc_allocateClassPair(Class superclass, const char* name, std::size_t /*extraBytes*/) {
+  auto& cls = registry().classes[name];
+  if (cls) return nullptr;
+  auto& meta = registry().metaclasses.emplace_back(std::make_unique<objc_class>());
+  meta->name = name;
+  meta->isMeta = true;
+  cls = std::make_unique<objc_class>();
+  cls->name = name;
+  cls->isa = meta.get();
+  cls->superclass = superclass;
+  if (superclass != nullptr) {
+    meta->superclass = superclass->isa;
+    cls->instanceSize = superclass->instanceSize;
+    cls->construct = superclass->construct;
+    cls->destroy = superclass->destroy;
+    cls->variables = superclass->variables;
+  }
+  return cls.get();
+}
+
+void objc_registerClassPair(Class) {}
+
+BOOL class_addMethod(Class cls, SEL name, IMP implementation, const char* types) {
+  const bool added = cls->methods.try_emplace(name, desktop::Method{implementation, types}).second;
+  desktop::forgetLookups();
+  return added;
+}
+
+BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t alignment, const char* /*types*/) {
+  const std::size_t unit = std::size_t{1} << alignment;
+  const std::size_t offset = (cls->instanceSize + unit - 1) / unit * unit;
+  cls->variables[name] = static_cast<std::ptrdiff_t>(offset);
+  cls->instanceSize = offset + size;
+  return true;
+}
+
+Protocol* objc_getProtocol(const char* name) {
+  const auto known = registry().protocols.insert(name).first;
+  return reinterpret_cast<Protocol*>(const_cast<std::string*>(&*known));
+}
+
+BOOL class_addProtocol(Class cls, Protocol* protocol) {
+  return cls->protocols.insert(*reinterpret_cast<std::string*>(protocol)).second;
+}
+
+Ivar class_getInstanceVariable(Class cls, const char* name) {
+  const auto found = cls->variables.find(name);
+  return found != cls->variables.end() ? reinterpret_cast<Ivar>(&found->second) : nullptr;
+}
+
+std::ptrdiff_t ivar_getOffset(Ivar variable) {
+  return *reinterpret_cast<std::ptrdiff_t*>(variable);
+}
+
+SEL sel_registerName(const char* name) {
+  SEL& selector = registry().selectors[name];
+  if (selector == nullptr) {
+    const auto number = registry().selectors.size();
+    selector = reinterpret_cast<SEL>(number << 4);
+    registry().selectorTexts[selector] = name;
+  }
+  return selector;
+}
+
+id objc_retain(id object) {
+  return object != nullptr ? desktop::retain(static_cast<desktop::Object*>(object)) : nullptr;
+}
+
+void objc_release(id object) {
+  if (object != nullptr) desktop::release(static_cast<desktop::Object*>(object));
+}
+
+void* objc_autoreleasePoolPush() {
+  desktop::Pool& pools = desktop::pools();
+  pools.marks.push_back(pools.waiting.size());
+  return &pools;
+}
+
+void objc_autoreleasePoolPop(void*) {
+  desktop::Pool& pools = desktop::pools();
+  while (pools.waiting.size() > pools.marks.back()) {
+    const id object = pools.waiting.back();
+    pools.waiting.pop_back();
+    objc_release(object);
+  }
+  pools.marks.pop_back();
+}
+}

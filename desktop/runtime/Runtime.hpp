@@ -1,0 +1,247 @@
+/// The stand-in's run-time: classes, methods found by selector, reference counts, autorelease pools.
+///
+/// Classes of the desktop itself are C++ structures deriving from `Object`; they are registered once with
+/// `NativeClass`. Everything runs on the main thread. What would be silent memory corruption on a Mac (an unknown
+/// selector, a call of another type, a message to a released object) stops the program with a sentence.
+#pragma once
+
+#include "platform/Send.hpp"
+
+#include <array>
+#include <set>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace desktop {
+
+using platform::NSInteger;
+using platform::NSRange;
+using platform::NSUInteger;
+
+struct Method {
+  IMP implementation = nullptr;
+  std::string encoding;
+};
+
+/// Prints "tarnwick: SENTENCE" on standard error and ends the process by abort.
+[[noreturn]] void stop(const std::string& sentence);
+
+} // namespace desktop
+
+struct objc_selector {};
+
+struct objc_object {
+  Class isa = nullptr;
+};
+
+/// A class, or (as the `isa` of one) the holder of its class methods.
+struct objc_class : objc_object {
+  std::string name;
+  Class superclass = nullptr;
+  bool isMeta = false;
+  /// The methods of released instances' class: every message to it is a fault.
+  bool isReleased = false;
+  std::size_t instanceSize = 0;
+  /// Makes and destroys the C++ part of an instance; inherited.
+  void (*construct)(void*) = nullptr;
+  void (*destroy)(objc_object*) = nullptr;
+  std::unordered_map<SEL, desktop::Method> methods;
+  std::unordered_map<std::string, std::ptrdiff_t> variables;
+  std::set<std::string> protocols;
+  /// How many instances are alive.
+  long live = 0;
+
+  struct CacheEntry {
+    SEL selector = nullptr;
+    const desktop::Method* method = nullptr;
+  };
+  /// Where the last look-ups ended, inherited methods included.
+  std::array<CacheEntry, 64> cache{};
+};
+
+namespace desktop {
+
+/// What every instance begins with. Made with one reference, which belongs to the maker.
+struct Object : objc_object {
+  long references = 1;
+
+  Object() = default;
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+};
+
+Object* retain(Object* object);
+void release(Object* object);
+/// Released when the innermost pool ends.
+id autorelease(id object);
+
+/// One reference to a desktop object, or none.
+template <class Type> class Ref {
+public:
+  Ref() = default;
+  // NOLINTNEXTLINE(google-explicit-constructor): none
+  Ref(std::nullptr_t) {}
+  Ref(platform::Adopt, Type* taken) : held(taken) {}
+  Ref(platform::Share, Type* shared) : held(shared) {
+    if (held != nullptr) retain(held);
+  }
+  Ref(const Ref& other) : Ref(platform::share, other.held) {}
+  Ref(Ref&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
+  template <std::derived_from<Type> Other>
+  // NOLINTNEXTLINE(google-explicit-constructor): to a base
+  Ref(const Ref<Other>& other) : Ref(platform::share, other.get()) {}
+  Ref& operator=(Ref other) noexcept {
+    std::swap(held, other.held);
+    return *this;
+  }
+  ~Ref() {
+    if (held != nullptr) release(held);
+  }
+
+  Type* get() const { return held; }
+  Type* operator->() const { return held; }
+  Type& operator*() const { return *held; }
+  explicit operator bool() const { return held != nullptr; }
+  Type* detach() { return std::exchange(held, nullptr); }
+
+private:
+  Type* held = nullptr;
+};
+
+template <class Type> Ref<Type> shared(Type* object) {
+  return {platform::share, object};
+}
+
+Object* allocate(Class cls);
+bool isKindOf(const objc_object* object, Class cls);
+bool respondsTo(id object, const char* selector);
+bool conformsTo(id object, const std::string& protocol);
+/// Alive instances of a class and of those derived from it; 0 for an unknown one.
+long liveObjects(const std::string& className);
+/// Everything alive, by class: what a test compares before and after.
+std::vector<std::pair<std::string, long>> liveObjects();
+const char* selectorText(SEL selector);
+
+/// The class that a C++ structure was registered as.
+template <class Type> inline Class nativeClass = nullptr;
+
+/// Makes an instance without an initialiser.
+template <class Type> Ref<Type> create() {
+  return {platform::adopt, static_cast<Type*>(allocate(nativeClass<Type>))};
+}
+
+/// `object` as what a method asks for; stops the program when it is of another class.
+template <class Type> Type* as(id object) {
+  if (object != nullptr && !isKindOf(object, nativeClass<Type>)) {
+    stop("a " + object->isa->name + " was given where a " + nativeClass<Type>->name + " is wanted");
+  }
+  return static_cast<Type*>(object);
+}
+
+/// `object` when it is of this class, else null.
+template <class Type> Type* ifIs(id object) {
+  return object != nullptr && isKindOf(object, nativeClass<Type>) ? static_cast<Type*>(object) : nullptr;
+}
+
+namespace native {
+
+/// How a method's C++ types travel in a message.
+template <class Type> struct Form {
+  using Sent = Type;
+  static Type in(Type value) { return value; }
+  static Type out(Type value) { return value; }
+};
+template <std::derived_from<Object> Type> struct Form<Type*> {
+  using Sent = id;
+  static Type* in(id value) { return as<Type>(value); }
+  static id out(Type* value) { return value; }
+};
+/// A result that the caller does not own.
+template <class Type> struct Form<Ref<Type>> {
+  using Sent = id;
+  static id out(Ref<Type> value) { return autorelease(value.detach()); }
+};
+
+template <class Type> using Sent = typename Form<Type>::Sent;
+
+template <auto member> struct Entry;
+
+template <class Result, class... Arguments> struct Typed {
+  static constexpr auto encoding = platform::methodEncoding<Sent<Result>, Sent<Arguments>...>;
+
+  template <class Call> static Sent<Result> run(Call call) {
+    if constexpr (std::is_void_v<Result>) {
+      call();
+    } else {
+      return Form<Result>::out(call());
+    }
+  }
+};
+template <> struct Form<void> { using Sent = void; };
+
+template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...)> struct Entry<member> {
+  using Signature = Typed<Result, Arguments...>;
+  static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
+    return Signature::run([&] { return (static_cast<Type*>(self)->*member)(Form<Arguments>::in(arguments)...); });
+  }
+};
+
+template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...) const>
+struct Entry<member> {
+  using Signature = Typed<Result, Arguments...>;
+  static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
+    return Signature::run([&] { return (static_cast<const Type*>(self)->*member)(Form<Arguments>::in(arguments)...); });
+  }
+};
+
+/// A static function: a class method that does not look at its class, or an instance method that takes the instance.
+template <class Result, class... Arguments, Result (*function)(Arguments...)> struct Entry<function> {
+  using Signature = Typed<Result, Arguments...>;
+  static Sent<Result> call(id, SEL, Sent<Arguments>... arguments) {
+    return Signature::run([&] { return function(Form<Arguments>::in(arguments)...); });
+  }
+};
+
+} // namespace native
+
+/// Registers a C++ structure as a class of the desktop.
+///
+///   NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
+///
+/// A method returning a plain pointer lends what the receiver keeps (or, for an initialiser, gives back the receiver);
+/// one returning `Ref` autoreleases its result.
+template <class Type> class NativeClass {
+public:
+  NativeClass(const char* name, const char* superclass)
+      : cls(objc_allocateClassPair(superclass != nullptr ? objc_getClass(superclass) : nullptr, name, 0)) {
+    cls->instanceSize = sizeof(Type);
+    cls->construct = [](void* memory) { new (memory) Type(); };
+    cls->destroy = [](objc_object* object) { static_cast<Type*>(object)->~Type(); };
+    nativeClass<Type> = cls;
+    objc_registerClassPair(cls);
+  }
+
+  template <platform::Name selector, auto member> NativeClass& method() { return add<selector, member>(cls); }
+  template <platform::Name selector, auto function> NativeClass& classMethod() {
+    return add<selector, function>(cls->isa);
+  }
+
+private:
+  template <platform::Name selector, auto member> NativeClass& add(Class to) {
+    using Entry = native::Entry<member>;
+    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Entry::call),
+                    Entry::Signature::encoding.text);
+    return *this;
+  }
+
+  Class cls;
+};
+
+/// Sends an action: `selector` with or without its sender, as the selector's colon says.
+void sendAction(SEL selector, id target, id sender);
+
+/// The root class; called before any other registration.
+void registerRootClass();
+
+} // namespace desktop

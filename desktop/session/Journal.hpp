@@ -1,0 +1,12 @@
+/// What happened, told to people and to scripts.
+#pragma once
+
+#include "desktop/quartz/Desktop.hpp"
+#include "desktop/session/Trace.hpp"
+
+namespace desktop {
+
+/// The fact as an indented sentence for people.
+std::string sentenceFor(const Fact& fact);
+
+} // namespace desktop

@@ -1,0 +1,186 @@
+#include "desktop/session/Session.hpp"
+
+#include "desktop/appkit/AppKit.hpp"
+
+namespace desktop {
+namespace {
+
+void type(Desktop& desktop, CGEventType type, KeyStroke key) {
+  desktop.server.type(type, key.code, key.flags);
+  desktop.settle();
+}
+
+bool bringToFront(Desktop& desktop, const std::optional<std::string>& name) {
+  if (!name) {
+    desktop.frontmost = nullptr;
+    return true;
+  }
+  RunningApplication* const application = desktop.named(*name);
+  if (application == nullptr) return false;
+  desktop.frontmost = shared(application);
+  return true;
+}
+
+bool focus(Desktop& desktop, const std::optional<std::string>& role) {
+  if (!desktop.frontmost) return false;
+  desktop.frontmost->role = role;
+  return true;
+}
+
+void setScreen(Desktop& desktop, const std::optional<Extent>& size) {
+  desktop.screen = size ? std::optional(CGSize{size->width, size->height}) : std::nullopt;
+}
+
+TapGrant grantOf(Word word) {
+  if (word == Word::Allow) return TapGrant::Allow;
+  return word == Word::Refuse ? TapGrant::Refuse : TapGrant::Auto;
+}
+
+} // namespace
+
+Session::Session(Desktop& target, Program start, Source commands)
+    : desktop(target), program(start), source(std::move(commands)) {
+  desktop.nextCommand = [this] { return playNext(); };
+}
+
+void Session::run() {
+  while (auto command = source()) {
+    if (impliesLaunch(command->verb)) {
+      waiting = std::move(command);
+      break;
+    }
+    play(*command);
+  }
+  program();
+}
+
+bool Session::playNext() {
+  auto command = waiting ? std::exchange(waiting, std::nullopt) : source();
+  if (!command) return false;
+  play(*command);
+  return true;
+}
+
+void Session::play(const Command& command) {
+  announce(command);
+  if (!carryOut(command)) desktop.journal({"lost", command.text});
+}
+
+bool Session::carryOut(const Command& command) {
+  switch (command.verb) {
+  case Verb::Trust:
+    desktop.trusted = command.word == Word::Yes;
+    return true;
+  case Verb::Taps:
+    desktop.server.grant = grantOf(command.word);
+    return true;
+  case Verb::Screen:
+    setScreen(desktop, command.size);
+    return true;
+  case Verb::App:
+    desktop.start(*command.name, command.bundleIdentifier.value_or(""), "AXGroup");
+    return true;
+  case Verb::End:
+    return desktop.end(*command.name);
+  case Verb::Front:
+    return bringToFront(desktop, command.name);
+  case Verb::Focus:
+    return focus(desktop, command.role);
+  case Verb::Launch:
+    return true;
+  case Verb::Raw:
+    type(desktop, command.word == Word::Down ? kCGEventKeyDown : kCGEventKeyUp, command.key);
+    return true;
+  case Verb::Down:
+    type(desktop, kCGEventKeyDown, command.key);
+    return true;
+  case Verb::Up:
+    type(desktop, kCGEventKeyUp, command.key);
+    return true;
+  case Verb::Press:
+    for (std::uint64_t count = 0; count < command.times; ++count) {
+      type(desktop, kCGEventKeyDown, command.key);
+      type(desktop, kCGEventKeyUp, command.key);
+    }
+    return true;
+  case Verb::Wait:
+    desktop.wait(command.seconds);
+    return true;
+  default:
+    return !desktop.appKit->isTerminated && carryOutOnProgram(command);
+  }
+}
+
+bool Session::carryOutOnProgram(const Command& command) {
+  Alert* const alert = desktop.appKit->frontAlert();
+  switch (command.verb) {
+  case Verb::Tap:
+    return desktop.server.disableTaps(command.word == Word::Timeout ? kCGEventTapDisabledByTimeout
+                                                                    : kCGEventTapDisabledByUserInput);
+  case Verb::Menu:
+    return alert == nullptr && chooseFromMenu(command.title);
+  case Verb::Click:
+    return alert != nullptr && alert->press(command.title, command.row);
+  case Verb::Show:
+    return show(command.word);
+  case Verb::Quit:
+    if (alert != nullptr) return false;
+    desktop.appKit->application->terminate(nullptr);
+    return true;
+  default:
+    return false;
+  }
+}
+
+bool Session::chooseFromMenu(const std::string& title) {
+  const Menu* menu = desktop.appKit->statusMenu();
+  const auto item = shared(menu != nullptr ? menu->itemWithTitle(title) : nullptr);
+  if (!item || !item->enabled) return false;
+  sendAction(item->action, item->target, item.get());
+  return true;
+}
+
+bool Session::show(Word what) {
+  switch (what) {
+  case Word::Menu:
+    if (desktop.appKit->statusMenu() == nullptr) return false;
+    showMenu();
+    return true;
+  case Word::Alert:
+    if (desktop.appKit->frontAlert() == nullptr) return false;
+    desktop.journal(desktop.appKit->frontAlert()->fact());
+    return true;
+  case Word::Defaults:
+    showDefaults();
+    return true;
+  default:
+    return false;
+  }
+}
+
+void Session::showMenu() const {
+  for (const auto& item : desktop.appKit->statusMenu()->items) {
+    if (item->isSeparator) {
+      desktop.journal({"item", ""});
+      continue;
+    }
+    desktop.journal(
+        {"item", textOf(item->title.get()), item->enabled ? "enabled" : "disabled", textOf(item->keyEquivalent.get())});
+  }
+}
+
+void Session::showDefaults() const {
+  const std::u16string key = u"exemptBundleIDs";
+  Fact fact{"default", utf8(key)};
+  const PropertyList* const value = desktop.defaults->file->value(key);
+  const auto* const stored = value != nullptr ? value->as<PropertyList::Array>() : nullptr;
+  if (stored != nullptr) {
+    for (const PropertyList& element : *stored) {
+      if (const auto* text = element.as<std::u16string>()) fact.push_back(utf8(*text));
+    }
+  }
+  if (fact.size() == 2) fact.emplace_back();
+  desktop.journal(fact);
+}
+
+} // namespace desktop

@@ -1,0 +1,47 @@
+/// A session: the user of the desktop, played from a script or at a prompt.
+#pragma once
+
+#include "desktop/quartz/Desktop.hpp"
+#include "desktop/session/SessionGrammar.hpp"
+
+#include <functional>
+#include <optional>
+
+namespace desktop {
+
+/// The program's own `main`, under the name that it has in this build.
+using Program = int (*)();
+
+/// Carries out commands on the desktop. Those before the launch set the desktop up; the rest are carried out while the
+/// program's run loop, or an alert or panel that it shows, asks what the user does next.
+class Session {
+public:
+  /// Where the commands come from: the next one, or none at the end.
+  using Source = std::function<std::optional<Command>()>;
+
+  Session(Desktop& desktop, Program program, Source source);
+
+  /// The whole session: returns once the input has ended and the program has quit.
+  void run();
+  /// Hears each command before it is carried out.
+  std::function<void(const Command&)> announce = [](const Command&) {};
+
+private:
+  bool playNext();
+  void play(const Command& command);
+  /// False when the command found nothing to act on.
+  bool carryOut(const Command& command);
+  bool carryOutOnProgram(const Command& command);
+  bool chooseFromMenu(const std::string& title);
+  bool show(Word what);
+  void showMenu() const;
+  void showDefaults() const;
+
+  Desktop& desktop;
+  Program program;
+  Source source;
+  /// The command that launched the program by being none of those that come before; carried out first.
+  std::optional<Command> waiting;
+};
+
+} // namespace desktop

@@ -1,0 +1,136 @@
+/// Foundation: texts, collections, URLs, bundles and the user's defaults.
+#pragma once
+
+#include "platform/CoreFoundation.hpp"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+/// A text of UTF-16 units. Equality is that of the units: no case folding, no normalisation.
+class NSString : public NSObject {
+public:
+  using NSObject::NSObject;
+
+  /// A copy of UTF-8 text; empty (no string) when it is not UTF-8.
+  static NSString utf8(std::string_view text) {
+    constexpr NSUInteger NSUTF8StringEncoding = 4;
+    return make<"NSString", "initWithBytes:length:encoding:", NSString>(
+        static_cast<const void*>(text.data()), static_cast<NSUInteger>(text.size()), NSUTF8StringEncoding);
+  }
+  /// A constant, made once and never released, so that the key path can compare with it.
+  template <Name text> static NSString constant() {
+    static const id made = utf8(text.text).detach();
+    return {share, made};
+  }
+  /// The same object under its Objective-C name.
+  static NSString sharing(CFStringRef string) { return {share, reinterpret_cast<id>(const_cast<__CFString*>(string))}; }
+  /// The same object under its CoreFoundation name; still owned by this value.
+  [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
+
+  [[nodiscard]] NSUInteger length() const { return send<"length", NSUInteger>(*this); }
+  [[nodiscard]] NSUInteger hash() const { return send<"hash", NSUInteger>(*this); }
+  [[nodiscard]] bool isEqualToString(const NSString& other) const {
+    return send<"isEqualToString:", BOOL>(*this, other);
+  }
+  [[nodiscard]] bool containsString(const NSString& part) const { return send<"containsString:", BOOL>(*this, part); }
+  [[nodiscard]] std::u16string characters() const {
+    std::u16string units(length(), u'\0');
+    send<"getCharacters:range:">(*this, units.data(), NSRange{0, units.size()});
+    return units;
+  }
+  [[nodiscard]] NSString stringByAppendingString(const NSString& tail) const {
+    return send<"stringByAppendingString:", NSString>(*this, tail);
+  }
+  /// Without the whitespace and line ends at both ends.
+  [[nodiscard]] NSString stringByTrimmingWhitespaceAndNewlines() const {
+    const auto set = send<"whitespaceAndNewlineCharacterSet", NSObject>(theClass<"NSCharacterSet">);
+    return send<"stringByTrimmingCharactersInSet:", NSString>(*this, set);
+  }
+  /// The canonical composition (NFC).
+  [[nodiscard]] NSString precomposedStringWithCanonicalMapping() const {
+    return send<"precomposedStringWithCanonicalMapping", NSString>(*this);
+  }
+
+  friend bool operator==(const NSString& one, const NSString& other) { return one.isEqualToString(other); }
+};
+
+/// `value` when it is a string, else no string.
+inline NSString asString(const NSObject& value) {
+  const bool isString = send<"isKindOfClass:", BOOL>(value, theClass<"NSString">);
+  return isString ? NSString(share, value.object()) : NSString();
+}
+
+class NSArray : public NSObject {
+public:
+  using NSObject::NSObject;
+
+  template <Wrapper Element> static NSArray of(const std::vector<Element>& elements) {
+    std::vector<id> objects;
+    objects.reserve(elements.size());
+    for (const Element& element : elements)
+      objects.push_back(element.object());
+    return make<"NSArray", "initWithObjects:count:", NSArray>(static_cast<const id*>(objects.data()),
+                                                              static_cast<NSUInteger>(objects.size()));
+  }
+
+  [[nodiscard]] NSUInteger count() const { return send<"count", NSUInteger>(*this); }
+  template <Wrapper Element = NSObject> [[nodiscard]] Element objectAtIndex(NSUInteger index) const {
+    return send<"objectAtIndex:", Element>(*this, index);
+  }
+};
+
+class NSNumber : public NSObject {
+public:
+  using NSObject::NSObject;
+  static NSNumber numberWithBool(BOOL value) { return send<"numberWithBool:", NSNumber>(theClass<"NSNumber">, value); }
+};
+
+class NSDictionary : public NSObject {
+public:
+  using NSObject::NSObject;
+  static NSDictionary dictionaryWithObjectForKey(const NSObject& object, const NSObject& key) {
+    return send<"dictionaryWithObject:forKey:", NSDictionary>(theClass<"NSDictionary">, object, key);
+  }
+  /// The same object under its CoreFoundation name; still owned by this value.
+  [[nodiscard]] CFDictionaryRef asCFDictionary() const { return reinterpret_cast<CFDictionaryRef>(object()); }
+};
+
+class NSURL : public NSObject {
+public:
+  using NSObject::NSObject;
+  /// Empty when the text is no URL.
+  static NSURL URLWithString(const NSString& text) { return send<"URLWithString:", NSURL>(theClass<"NSURL">, text); }
+};
+
+/// A folder with `Contents/Info.plist` and `Contents/Resources`.
+class NSBundle : public NSObject {
+public:
+  using NSObject::NSObject;
+  static NSBundle mainBundle() { return send<"mainBundle", NSBundle>(theClass<"NSBundle">); }
+
+  /// Empty when the bundle names none.
+  [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }
+  [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
+    return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
+  }
+  /// Empty when there is no such resource.
+  [[nodiscard]] NSURL URLForResource(const NSString& name, const NSString& extension) const {
+    return send<"URLForResource:withExtension:", NSURL>(*this, name, extension);
+  }
+};
+
+class NSUserDefaults : public NSObject {
+public:
+  using NSObject::NSObject;
+  static NSUserDefaults standardUserDefaults() {
+    return send<"standardUserDefaults", NSUserDefaults>(theClass<"NSUserDefaults">);
+  }
+  /// Empty when the key is absent or its value is no array.
+  [[nodiscard]] NSArray arrayForKey(const NSString& key) const { return send<"arrayForKey:", NSArray>(*this, key); }
+  void setObject(const NSObject& value, const NSString& key) const { send<"setObject:forKey:">(*this, value, key); }
+};
+
+} // namespace platform

@@ -1,0 +1,97 @@
+/// Registers the program's own run-time classes: members of a C++ class become the methods of an Objective-C one.
+///
+///   const Class cls = RuntimeClass<Delegate, "Delegate", "NSObject">()
+///                         .method<"applicationWillTerminate:", &Delegate::applicationWillTerminate>()
+///                         .registered();
+///
+/// Each instance carries one C++ object, its state: `attach` makes it from the class's initialiser, and it is destroyed
+/// with the instance. A static member that takes the instance first becomes a method that needs no state. Encodings
+/// come from the C++ types. Every method opens an autorelease pool; an exception that would leave one ends the program.
+#pragma once
+
+#include "platform/Send.hpp"
+
+#include <memory>
+
+namespace platform {
+
+template <class State> class InstanceState {
+public:
+  /// Makes the state of a new instance.
+  template <class... Arguments> static State& attach(id self, Arguments&&... arguments) {
+    slot(self) = new State(std::forward<Arguments>(arguments)...);
+    return *slot(self);
+  }
+  /// The state of an instance that has been initialised.
+  static State& of(id self) { return *slot(self); }
+  static void destroy(id self) { delete std::exchange(slot(self), nullptr); }
+
+  static inline std::ptrdiff_t offset = 0;
+
+private:
+  static State*& slot(id self) { return *reinterpret_cast<State**>(reinterpret_cast<char*>(self) + offset); }
+};
+
+namespace wire {
+
+template <auto member> struct Entry;
+
+template <class State, class Result, class... Arguments, Result (State::*member)(Arguments...)> struct Entry<member> {
+  static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
+  static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
+    const AutoreleasePool pool;
+    return (InstanceState<State>::of(self).*member)(Form<Arguments>::in(arguments)...);
+  }
+};
+
+template <class Result, class... Arguments, Result (*function)(id, Arguments...)> struct Entry<function> {
+  static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
+  static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
+    const AutoreleasePool pool;
+    return function(self, Form<Arguments>::in(arguments)...);
+  }
+};
+
+} // namespace wire
+
+/// An `init` for classes whose state is made from the instance alone.
+template <class State, Name superclass> id initialise(id self) {
+  const id initialised = sendSuper<superclass, "init", id>(self);
+  if (initialised != nullptr) InstanceState<State>::attach(initialised, initialised);
+  return initialised;
+}
+
+template <class State, Name name, Name superclass> class RuntimeClass {
+public:
+  RuntimeClass() : cls(objc_allocateClassPair(theClass<superclass>.found(), name.text, 0)) {
+    class_addIvar(cls, "state", sizeof(State*), 3, "^v");
+    method<"dealloc", &RuntimeClass::dealloc>();
+  }
+
+  template <Name selector, auto member> RuntimeClass& method() {
+    using Entry = wire::Entry<member>;
+    class_addMethod(cls, selectorNamed<selector>(), reinterpret_cast<IMP>(&Entry::call), Entry::encoding.text);
+    return *this;
+  }
+
+  RuntimeClass& conformsTo(const char* protocol) {
+    if (Protocol* const found = objc_getProtocol(protocol)) class_addProtocol(cls, found);
+    return *this;
+  }
+
+  Class registered() {
+    objc_registerClassPair(cls);
+    InstanceState<State>::offset = ivar_getOffset(class_getInstanceVariable(cls, "state"));
+    return cls;
+  }
+
+private:
+  static void dealloc(id self) {
+    InstanceState<State>::destroy(self);
+    sendSuper<superclass, "dealloc">(self);
+  }
+
+  Class cls;
+};
+
+} // namespace platform

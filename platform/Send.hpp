@@ -1,0 +1,167 @@
+/// Typed messages, and the owning value that all of the platform's objects are held in.
+#pragma once
+
+#include "platform/Encoding.hpp"
+
+#include <utility>
+
+#if !defined(__APPLE__)
+/// The stand-in's look-up: stops the program with a sentence unless `receiver` has a method `selector` of exactly this
+/// encoding. The search starts at `start`, or at the receiver's class when that is null.
+extern "C" IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding);
+#endif
+
+namespace platform {
+
+struct Adopt {};
+struct Share {};
+/// Takes over a reference that the caller owns: the result of new, copy and Create.
+inline constexpr Adopt adopt;
+/// Takes a reference of one's own on something that another keeps.
+inline constexpr Share share;
+
+/// One reference to one of the platform's objects, or none. Copies share the object.
+class NSObject {
+public:
+  NSObject() = default;
+  NSObject(Adopt, id taken) : held(taken) {}
+  NSObject(Share, id shared) : held(shared != nullptr ? objc_retain(shared) : nullptr) {}
+  NSObject(const NSObject& other) : NSObject(share, other.held) {}
+  NSObject(NSObject&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
+  NSObject& operator=(NSObject other) noexcept {
+    std::swap(held, other.held);
+    return *this;
+  }
+  ~NSObject() {
+    if (held != nullptr) objc_release(held);
+  }
+
+  explicit operator bool() const { return held != nullptr; }
+  /// The object itself, still owned by this value.
+  [[nodiscard]] id object() const { return held; }
+  /// Gives the reference away to the caller.
+  [[nodiscard]] id detach() { return std::exchange(held, nullptr); }
+
+private:
+  id held = nullptr;
+};
+
+template <class Type>
+concept Wrapper = std::derived_from<Type, NSObject>;
+
+template <Name name> SEL selectorNamed() {
+  static const SEL registered = sel_registerName(name.text);
+  return registered;
+}
+
+/// A class, as receiver or argument of a message; while it is not loaded it is nothing.
+template <Name name> struct ClassNamed {
+  [[nodiscard]] Class found() const {
+    static Class cls = nullptr;
+    if (cls == nullptr) cls = objc_getClass(name.text);
+    return cls;
+  }
+};
+template <Name name> inline constexpr ClassNamed<name> theClass;
+
+namespace wire {
+
+/// How a value travels in a message: wrappers as the object they hold, everything else as it is.
+template <class Type> struct Form {
+  using Sent = Type;
+  static Type out(Type value) { return value; }
+  static Type in(Type value) { return value; }
+};
+template <> struct Form<void> { using Sent = void; };
+template <Wrapper Type> struct Form<Type> {
+  using Sent = id;
+  static id out(const Type& value) { return value.object(); }
+  static Type in(id value) { return Type(share, value); }
+};
+template <Name name> struct Form<ClassNamed<name>> {
+  using Sent = Class;
+  static Class out(ClassNamed<name> value) { return value.found(); }
+};
+template <> struct Form<std::nullptr_t> {
+  using Sent = id;
+  static id out(std::nullptr_t) { return nullptr; }
+};
+template <class Type> using Sent = typename Form<Type>::Sent;
+
+template <class Receiver> id target(const Receiver& receiver) {
+  return reinterpret_cast<id>(Form<Receiver>::out(receiver));
+}
+
+template <class Result, class... Arguments> using Method = Result (*)(id, SEL, Arguments...);
+template <class Result, class... Arguments> using SuperMethod = Result (*)(objc_super*, SEL, Arguments...);
+
+#if defined(__APPLE__)
+/// x86-64 returns what does not fit two registers through memory, by another entry; arm64 has only the one.
+template <class Result> constexpr bool returnsThroughMemory() {
+#if defined(__x86_64__)
+  if constexpr (!std::is_void_v<Result>) return sizeof(Result) > 16;
+#endif
+  return false;
+}
+
+template <class Result, class... Arguments> Result call(id receiver, SEL selector, Arguments... arguments) {
+#if defined(__x86_64__)
+  if constexpr (returnsThroughMemory<Result>()) {
+    return reinterpret_cast<Method<Result, Arguments...>>(objc_msgSend_stret)(receiver, selector, arguments...);
+  }
+#endif
+  return reinterpret_cast<Method<Result, Arguments...>>(objc_msgSend)(receiver, selector, arguments...);
+}
+
+template <class Result, class... Arguments>
+Result callSuper(id receiver, Class superclass, SEL selector, Arguments... arguments) {
+  static_assert(!returnsThroughMemory<Result>(), "no message to super returns a structure");
+  objc_super start{receiver, superclass};
+  return reinterpret_cast<SuperMethod<Result, Arguments...>>(objc_msgSendSuper)(&start, selector, arguments...);
+}
+#else
+template <class Result, class... Arguments>
+Result callSuper(id receiver, Class superclass, SEL selector, Arguments... arguments) {
+  const IMP method = desktop_methodFor(receiver, superclass, selector, methodEncoding<Result, Arguments...>.text);
+  return reinterpret_cast<Method<Result, Arguments...>>(method)(receiver, selector, arguments...);
+}
+
+template <class Result, class... Arguments> Result call(id receiver, SEL selector, Arguments... arguments) {
+  return callSuper<Result, Arguments...>(receiver, nullptr, selector, arguments...);
+}
+#endif
+
+} // namespace wire
+
+/// Sends a message. A wrapper as result shares the object that comes back; `Result` is void unless named.
+/// A message to nothing answers zero without a call.
+template <Name selector, class Result = void, class Receiver, class... Arguments>
+Result send(const Receiver& receiver, const Arguments&... arguments) {
+  const id target = wire::target(receiver);
+  if constexpr (std::is_void_v<Result>) {
+    if (target == nullptr) return;
+    wire::call<void, wire::Sent<Arguments>...>(target, selectorNamed<selector>(),
+                                               wire::Form<Arguments>::out(arguments)...);
+  } else {
+    if (target == nullptr) return Result{};
+    return wire::Form<Result>::in(wire::call<wire::Sent<Result>, wire::Sent<Arguments>...>(
+        target, selectorNamed<selector>(), wire::Form<Arguments>::out(arguments)...));
+  }
+}
+
+/// Sends a message to `receiver` as an instance of its superclass `superclass`.
+template <Name superclass, Name selector, class Result = void, class... Arguments>
+Result sendSuper(id receiver, const Arguments&... arguments) {
+  return static_cast<Result>(wire::callSuper<wire::Sent<Result>, wire::Sent<Arguments>...>(
+      receiver, theClass<superclass>.found(), selectorNamed<selector>(), wire::Form<Arguments>::out(arguments)...));
+}
+
+/// Makes an object: alloc and init in one, since init takes over alloc's reference. Empty when the class is not
+/// loaded or init refuses.
+template <Name className, Name initializer, class Result = NSObject, class... Arguments>
+Result make(const Arguments&... arguments) {
+  const id raw = send<"alloc", id>(theClass<className>);
+  return Result(adopt, send<initializer, id>(raw, arguments...));
+}
+
+} // namespace platform

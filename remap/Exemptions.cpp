@@ -1,0 +1,77 @@
+#include "remap/KeyRemapper.hpp"
+
+#include <algorithm>
+
+namespace tarnwick {
+
+using namespace platform;
+
+namespace {
+
+/// Puts UTF-16 units in the order of the code points they stand for: surrogates, which spell those above 0xFFFF, last.
+char16_t rank(char16_t unit) {
+  constexpr char16_t firstSurrogate = 0xD800;
+  constexpr char16_t surrogates = 0x800;
+  constexpr char16_t above = 0x10000 - surrogates - firstSurrogate;
+  if (unit < firstSurrogate) return unit;
+  return static_cast<char16_t>(unit < firstSurrogate + surrogates ? unit + above : unit - surrogates);
+}
+
+std::u16string ranked(const NSString& text) {
+  std::u16string units = text.characters();
+  std::transform(units.begin(), units.end(), units.begin(), rank);
+  return units;
+}
+
+/// By code point after canonical composition; texts that compose to the same, by their own code points.
+struct SortKey {
+  std::u16string composed;
+  std::u16string own;
+  NSString text;
+
+  explicit SortKey(const NSString& source)
+      : composed(ranked(source.precomposedStringWithCanonicalMapping())), own(ranked(source)), text(source) {}
+  bool operator<(const SortKey& other) const { return std::tie(composed, own) < std::tie(other.composed, other.own); }
+};
+
+} // namespace
+
+void KeyRemapper::loadExemptions() {
+  const NSArray stored = NSUserDefaults::standardUserDefaults().arrayForKey(exemptionsDefaultsKey);
+  std::unordered_set<NSString, TextHash> loaded;
+  for (NSUInteger index = 0; index < stored.count(); ++index) {
+    const NSString bundleID = asString(stored.objectAtIndex(index));
+    if (!bundleID) return;
+    loaded.insert(bundleID);
+  }
+  exemptBundleIDs = std::move(loaded);
+}
+
+void KeyRemapper::addExemptBundleID(const NSString& bundleID) {
+  const NSString trimmed = bundleID.stringByTrimmingWhitespaceAndNewlines();
+  if (trimmed.length() == 0) return;
+  exemptBundleIDs.insert(trimmed);
+  saveExemptions();
+}
+
+void KeyRemapper::removeExemptBundleID(const NSString& bundleID) {
+  exemptBundleIDs.erase(bundleID);
+  saveExemptions();
+}
+
+std::vector<NSString> KeyRemapper::allExemptBundleIDs() const {
+  std::vector<SortKey> keys(exemptBundleIDs.begin(), exemptBundleIDs.end());
+  std::sort(keys.begin(), keys.end());
+  std::vector<NSString> sorted;
+  sorted.reserve(keys.size());
+  for (SortKey& key : keys)
+    sorted.push_back(std::move(key.text));
+  return sorted;
+}
+
+void KeyRemapper::saveExemptions() const {
+  const NSArray list = NSArray::of(allExemptBundleIDs());
+  NSUserDefaults::standardUserDefaults().setObject(list, exemptionsDefaultsKey);
+}
+
+} // namespace tarnwick

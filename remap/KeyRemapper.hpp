@@ -1,0 +1,92 @@
+/// The remapping engine: its switches, its event tap, the rules that decide about each key event, the exempt
+/// applications.
+#pragma once
+
+#include "platform/EventServices.hpp"
+#include "platform/Foundation.hpp"
+#include "remap/TranslationRules.hpp"
+
+#include <memory>
+#include <unordered_set>
+#include <vector>
+
+namespace tarnwick {
+
+struct TextHash {
+  std::size_t operator()(const platform::NSString& text) const { return text.hash(); }
+};
+
+/// Watches the session's key events and rewrites them. One for the whole run, shared by the application delegate and
+/// the settings window; main thread only, so nothing is locked. The tap does not own it: whoever called `start()` calls
+/// `stop()` before letting go. Always held by a `std::shared_ptr`, so that a callback can hold it while it runs.
+class KeyRemapper : public std::enable_shared_from_this<KeyRemapper> {
+public:
+  /// Everything on, and the exempt applications loaded from the user's defaults. A stored value that is no array of
+  /// strings counts as none and stays as it is.
+  KeyRemapper();
+  KeyRemapper(const KeyRemapper&) = delete;
+  KeyRemapper& operator=(const KeyRemapper&) = delete;
+
+  /// Puts the tap at the head of the session's key events, on this thread's run loop. False when the window server
+  /// refuses one, usually for want of Accessibility trust.
+  bool start();
+  /// Takes the tap down; on the thread that called `start()`. Without a tap it does nothing.
+  void stop();
+
+  /// Surrounding whitespace is taken off; nothing is left, nothing happens. Saves otherwise.
+  void addExemptBundleID(const platform::NSString& bundleID);
+  /// Exactly as given. Saves also when it was no member.
+  void removeExemptBundleID(const platform::NSString& bundleID);
+  /// Sorted by code point after canonical composition.
+  [[nodiscard]] std::vector<platform::NSString> allExemptBundleIDs() const;
+  /// Writes the sorted list to the user's defaults.
+  void saveExemptions() const;
+
+private:
+  platform::CF<CFMachPortRef> eventTap;
+  platform::CF<CFRunLoopSourceRef> runLoopSource;
+  /// From the request for a confirmation until its alert has been answered.
+  bool isDeleteConfirmationPending = false;
+  const platform::NSString exemptionsDefaultsKey = platform::NSString::utf8("exemptBundleIDs");
+  std::unordered_set<platform::NSString, TextHash> exemptBundleIDs;
+
+public:
+  /// The master switch: when off, every event passes unchanged.
+  bool enabled = true;
+  bool mapClipboard = true;
+  bool mapRedo = true;
+  bool mapNewFile = true;
+  bool mapSave = true;
+  bool mapWordSkip = true;
+  bool mapFind = true;
+  bool mapAtQuoteSwap = true;
+  bool mapLockScreen = true;
+  bool mapBold = true;
+  bool mapUnderline = true;
+  bool mapItalic = true;
+  bool mapFinderDeleteToBin = true;
+  bool mapFinderRename = true;
+  /// Ask before the Finder's Forward Delete moves anything.
+  bool mapFinderDeleteConfirm = true;
+
+private:
+  /// Keys whose Control becomes Command.
+  const std::unordered_set<CGKeyCode> commandKeyCodes{kVK_ANSI_C, kVK_ANSI_V, kVK_ANSI_X, kVK_ANSI_A,
+                                                      kVK_ANSI_Z, kVK_ANSI_Y, kVK_ANSI_N, kVK_ANSI_S,
+                                                      kVK_ANSI_F, kVK_ANSI_B, kVK_ANSI_U, kVK_ANSI_I};
+  /// Keys whose Control becomes Option.
+  const std::unordered_set<CGKeyCode> optionKeyCodes{kVK_LeftArrow, kVK_RightArrow};
+  /// The modifiers that the rules count as held.
+  const CGEventFlags primaryModifierFlags =
+      kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
+
+  static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
+  CGEventRef handleEvent(CGEventTapProxy proxy, CGEventType type, CGEventRef event);
+  [[nodiscard]] bool isFrontmostExempt() const;
+  [[nodiscard]] std::optional<Key> translate(Key key) const;
+  [[nodiscard]] std::optional<Key> translateControl(Key key) const;
+  [[nodiscard]] bool isMapped(CGKeyCode commandKeyCode) const;
+  void loadExemptions();
+};
+
+} // namespace tarnwick

@@ -1,0 +1,77 @@
+/// The rules that need nothing but the event and the switches: plain arithmetic on key codes and modifier flags.
+#pragma once
+
+#include "platform/EventServices.hpp"
+
+#include <optional>
+
+namespace tarnwick {
+
+/// What an event says about its key.
+struct Key {
+  /// Virtual key code: a physical position, whatever the keyboard layout.
+  std::int64_t code;
+  CGEventFlags flags;
+
+  bool operator==(const Key&) const = default;
+};
+
+/// The key codes that the rules know, by the platform's names for them.
+inline constexpr CGKeyCode kVK_ANSI_A = 0x00;
+inline constexpr CGKeyCode kVK_ANSI_S = 0x01;
+inline constexpr CGKeyCode kVK_ANSI_F = 0x03;
+inline constexpr CGKeyCode kVK_ANSI_Z = 0x06;
+inline constexpr CGKeyCode kVK_ANSI_X = 0x07;
+inline constexpr CGKeyCode kVK_ANSI_C = 0x08;
+inline constexpr CGKeyCode kVK_ANSI_V = 0x09;
+inline constexpr CGKeyCode kVK_ANSI_B = 0x0B;
+inline constexpr CGKeyCode kVK_ANSI_Q = 0x0C;
+inline constexpr CGKeyCode kVK_ANSI_Y = 0x10;
+inline constexpr CGKeyCode kVK_ANSI_2 = 0x13;
+inline constexpr CGKeyCode kVK_ANSI_U = 0x20;
+inline constexpr CGKeyCode kVK_ANSI_I = 0x22;
+inline constexpr CGKeyCode kVK_Return = 0x24;
+inline constexpr CGKeyCode kVK_ANSI_L = 0x25;
+inline constexpr CGKeyCode kVK_ANSI_Quote = 0x27;
+inline constexpr CGKeyCode kVK_ANSI_N = 0x2D;
+inline constexpr CGKeyCode kVK_Delete = 0x33;
+inline constexpr CGKeyCode kVK_ForwardDelete = 0x75;
+inline constexpr CGKeyCode kVK_F2 = 0x78;
+inline constexpr CGKeyCode kVK_LeftArrow = 0x7B;
+inline constexpr CGKeyCode kVK_RightArrow = 0x7C;
+
+/// The flags with Control taken away and `replacement` held instead; every other bit survives.
+constexpr CGEventFlags withoutControl(CGEventFlags flags, CGEventFlags replacement) {
+  return (flags & ~static_cast<CGEventFlags>(kCGEventFlagMaskControl)) | replacement;
+}
+
+/// Command is held and Control is not.
+constexpr bool isLockScreenShortcut(Key key) {
+  constexpr CGEventFlags tested = kCGEventFlagMaskCommand | kCGEventFlagMaskControl;
+  return key.code == kVK_ANSI_L && (key.flags & tested) == kCGEventFlagMaskCommand;
+}
+
+constexpr Key lockScreen(Key key) {
+  return {kVK_ANSI_Q, key.flags | kCGEventFlagMaskControl};
+}
+
+/// The key at the other end of the swap of 2 and the quote; none for other keys.
+constexpr std::optional<Key> swapped(Key key) {
+  if (key.code == kVK_ANSI_Quote) return Key{kVK_ANSI_2, key.flags};
+  if (key.code == kVK_ANSI_2) return Key{kVK_ANSI_Quote, key.flags};
+  return std::nullopt;
+}
+
+/// Ctrl+Y becomes Cmd+Shift+Z.
+constexpr Key redo(Key key) {
+  return {kVK_ANSI_Z, withoutControl(key.flags, kCGEventFlagMaskCommand | kCGEventFlagMaskShift)};
+}
+
+/// Flags of a key that carries the fn bit by itself, without it and without the modifiers that it stands beside.
+constexpr CGEventFlags withoutFunction(CGEventFlags flags) {
+  constexpr CGEventFlags cleared = kCGEventFlagMaskSecondaryFn | kCGEventFlagMaskCommand | kCGEventFlagMaskAlternate |
+                                   kCGEventFlagMaskControl | kCGEventFlagMaskShift;
+  return (flags & kCGEventFlagMaskSecondaryFn) != 0 ? flags & ~cleared : flags;
+}
+
+} // namespace tarnwick
