@@ -38,7 +38,7 @@ def check_image(image, libraries, any_symbol):
     yield from check_libraries(image, libraries)
     yield from check_exports(image)
     yield from check_initialisers(image)
-    yield from check_text(image, libraries)
+    yield from check_text(image)
 
 
 def check_header(image):
@@ -128,11 +128,11 @@ def check_initialisers(image):
         yield f"it runs {count} static initialiser{'s' if count > 1 else ''} before main"
 
 
-def check_text(image, libraries):
+def check_text(image):
     """Nothing of the machine that built it, and nothing of the development desktop."""
     if image.debug_symbols:
         yield f"it holds {image.debug_symbols} symbols for the debugger"
-    known = {LOADER, *(library.install_name for library in libraries)}
+    known = {LOADER, *(name for _, name in image.libraries), *image.run_paths}
     found = set()
     for match in TEXT.finditer(image.data):
         text = match.group().decode()

@@ -94,12 +94,17 @@ def slices(data):
         return [data]
     if data[:4] != struct.pack(">I", FAT_MAGIC):
         raise MachOError("not a 64-bit Mach-O file")
-    parts = []
-    for entry in range(struct.unpack_from(">I", data, 4)[0]):
-        offset, size = struct.unpack_from(">2I", data, 8 + 20 * entry + 8)
+    parts, end = [], 8 + 20 * struct.unpack_from(">I", data, 4)[0]
+    for entry in range(8, end, 20):
+        offset, size = struct.unpack_from(">2I", data, entry + 8)
         if offset + size > len(data):
             raise MachOError("a slice reaches past the end of the file")
+        if offset < end or any(data[end:offset]):
+            raise MachOError("there is something between the slices of the file")
         parts.append(data[offset:offset + size])
+        end = offset + size
+    if end != len(data):
+        raise MachOError("there is something after the slices of the file")
     return parts
 
 

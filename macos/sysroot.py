@@ -2,6 +2,7 @@
 import base64
 import hashlib
 import os
+import re
 import subprocess
 import tarfile
 import tempfile
@@ -16,6 +17,7 @@ INTEGRITY = "9jImXRTybgh+12zLpE4Jg5Y6TNBomKxiWTxCTCMRxy6qI9gBqw3Vm8SZmnHgakxF+rK
 WANTED = {"package/lib/libc/include/any-macos-any": "include", "package/lib/libcxx": "libcxx",
           "package/lib/libcxxabi": "libcxxabi"}
 
+VERSION = re.compile(r"\d+\.\d+")
 STUB = """--- !tapi-tbd
 tbd-version: 4
 targets: [ x86_64-macos, arm64-macos ]
@@ -51,14 +53,17 @@ class Library:
 
 def read_libraries(table=HERE / "imports.txt"):
     """The libraries of the table, in its order."""
-    libraries = []
+    libraries, listed = [], set()
     for number, line in enumerate(table.read_text().splitlines(), 1):
         words = line.partition("#")[0].split()
         if not words:
             continue
         if not line.startswith(" ") and len(words) == 2:
             libraries.append(Library(words[0], words[1], []))
-        elif line.startswith(" ") and libraries and len(words) in (2, 3):
+        elif line.startswith(" ") and libraries and len(words) in (2, 3) and VERSION.fullmatch(words[1]):
+            if words[0] in listed:
+                raise SysrootError(f"{table.name}:{number}: {words[0]} is listed twice")
+            listed.add(words[0])
             version = tuple(int(part) for part in words[1].split("."))
             libraries[-1].symbols.append(Symbol("_" + words[0], version, "".join(words[2:])))
         else:

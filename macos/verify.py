@@ -10,6 +10,7 @@ import re
 import struct
 import sys
 from pathlib import Path
+from xml.parsers.expat import ExpatError
 
 import macho
 
@@ -98,14 +99,22 @@ def verify_program(path, information=None, seal=None):
     for part in macho.slices(path.read_bytes()):
         directory = CodeDirectory(path.name, macho.read_image(part))
         directory.verify_code()
+        if directory.flags & LINKER_SIGNED:
+            raise VerificationError(f"{directory.name}: only the linker signed it, which seals no bundle")
         directory.verify_special(REQUIREMENTS, directory.blobs.get(REQUIREMENTS, b""), "the list of requirements")
         if information is not None:
-            if directory.flags & LINKER_SIGNED:
-                raise VerificationError(f"{directory.name}: only the linker signed it, which seals no bundle")
             directory.verify_special(INFORMATION, information, "Info.plist")
             directory.verify_special(RESOURCES, seal, "_CodeSignature/CodeResources")
         directories.append(directory)
     return directories
+
+
+def read_dictionary(path):
+    """The property list in a file."""
+    try:
+        return plistlib.loads(path.read_bytes())
+    except (plistlib.InvalidFileException, ExpatError) as error:
+        raise VerificationError(f"{path.name} is not a property list: {error}") from None
 
 
 def verify_bundle(bundle):
@@ -120,13 +129,13 @@ def verify_bundle(bundle):
     for needed in (information, seal):
         if not needed.is_file():
             raise VerificationError(f"{bundle.name} has no {needed.relative_to(root)}")
-    dictionary = plistlib.loads(information.read_bytes())
+    dictionary = read_dictionary(information)
     program = programs / dictionary["CFBundleExecutable"]
     directories = verify_program(program, information.read_bytes(), seal.read_bytes())
     for directory in directories:
         if directory.identifier != dictionary["CFBundleIdentifier"]:
             raise VerificationError(f"{directory.name} is signed as {directory.identifier}")
-    nested = verify_seal(bundle.name, root, program, plistlib.loads(seal.read_bytes()))
+    nested = verify_seal(bundle.name, root, program, read_dictionary(seal))
     return directories, [directory.describe() for directory in directories] + nested
 
 
@@ -189,8 +198,7 @@ def main(arguments):
     try:
         for line in verify_bundle(Path(arguments[0]))[1]:
             print(line)
-    except (VerificationError, macho.MachOError, struct.error, KeyError, OSError,
-            plistlib.InvalidFileException) as error:
+    except (VerificationError, macho.MachOError, struct.error, KeyError, OSError) as error:
         print(f"verify: {error}", file=sys.stderr)
         return 1
     return 0

@@ -1,0 +1,90 @@
+"""Small Mac programs and bundles, compiled here, for the tests of the scripts in macos/ to examine and to damage."""
+import importlib.machinery
+import importlib.util
+import os
+import plistlib
+import subprocess
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(ROOT / "macos"))
+
+import macho  # noqa: E402
+import sysroot  # noqa: E402
+
+PROCESSORS = ("arm64", "x86_64")
+SOURCE = """
+extern void *objc_getClass(const char *);
+extern const void *kCFRunLoopCommonModes;
+int main(void) { return objc_getClass("NSObject") == kCFRunLoopCommonModes; }
+"""
+LINK_OPTIONS = ["-fuse-ld=lld", "-nostdlib", "-Wl,-adhoc_codesign", "-Wl,-dead_strip", "-Wl,-S", "-Wl,-x"]
+PROGRAM_OPTIONS = ["-Wl,-exported_symbol,__mh_execute_header"]
+
+
+def load_script(path):
+    """A script without the usual suffix, as a module."""
+    loader = importlib.machinery.SourceFileLoader(path.name, str(path))
+    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(path.name, loader))
+    loader.exec_module(module)
+    return module
+
+
+def link(folder, processor, source=SOURCE, options=(), libraries=None):
+    """Compiles and links one slice against the stubs. What the tools say is in the exception when they fail."""
+    stubs = folder / "stubs"
+    if not stubs.exists():
+        sysroot.write_stubs(stubs)
+    libraries = libraries or [f"-framework{library.name}" if library.is_framework else f"-l{library.name}"
+                              for library in sysroot.read_libraries()]
+    libraries = [word for name in libraries for word in name.replace("-framework", "-framework ").split()]
+    (folder / "program.c").write_text(source)
+    target = folder / f"program-{processor}"
+    command = ["clang-19", "-target", f"{processor}-apple-macos13.0", "-Os", "-g0", *LINK_OPTIONS, *options,
+               f"-F{stubs}", f"-L{stubs}", *libraries, "program.c", "-o", target.name]
+    subprocess.run(command, check=True, capture_output=True, text=True, cwd=folder)
+    return target.read_bytes()
+
+
+def program(folder, **changes):
+    """A universal program."""
+    return macho.join([link(folder, processor, **{"options": PROGRAM_OPTIONS, **changes}) for processor in PROCESSORS])
+
+
+def library(folder):
+    """A universal library, such as an update framework holds."""
+    return macho.join([link(folder, processor, source="int answer(void) { return 42; }\n", options=["-dynamiclib"],
+                            libraries=["-lSystem"]) for processor in PROCESSORS])
+
+
+def make_bundle(place, code):
+    """An application with this program."""
+    contents = place / "Tarnwick.app" / "Contents"
+    for name in ("MacOS", "Resources/en.lproj", "Frameworks"):
+        (contents / name).mkdir(parents=True)
+    (contents / "Info.plist").write_bytes(plistlib.dumps({
+        "CFBundleIdentifier": "app.tarnwick.Tarnwick", "CFBundleExecutable": "Tarnwick",
+        "CFBundleShortVersionString": "1.0.0", "LSMinimumSystemVersion": "13.0"}))
+    (contents / "Resources" / "AppIcon.icns").write_bytes(b"icon")
+    (contents / "Resources" / "MenuBarTemplate.png").write_bytes(b"picture")
+    (contents / "Resources" / "en.lproj" / "Text.strings").write_bytes(b"text")
+    (contents / "MacOS" / "Tarnwick").write_bytes(code)
+    (contents / "MacOS" / "Tarnwick").chmod(0o755)
+    return contents.parent
+
+
+def add_framework(bundle, code):
+    """A framework with a helper program beside its library, laid out as frameworks are."""
+    framework = bundle / "Contents" / "Frameworks" / "Updater.framework"
+    version = framework / "Versions" / "B"
+    (version / "Resources").mkdir(parents=True)
+    (version / "Resources" / "Info.plist").write_bytes(plistlib.dumps({
+        "CFBundleIdentifier": "org.example.Updater", "CFBundleExecutable": "Updater"}))
+    for name in ("Updater", "Helper"):
+        (version / name).write_bytes(code)
+        (version / name).chmod(0o755)
+    os.symlink("B", framework / "Versions" / "Current")
+    os.symlink("Versions/Current/Updater", framework / "Updater")
+    return framework

@@ -1,0 +1,104 @@
+"""The committed pictures are what the drawings show, at every size that the platform looks for."""
+import shutil
+import struct
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import fixture
+
+BUNDLE = fixture.ROOT / "bundle"
+render = fixture.load_script(BUNDLE / "render")
+PIXELS = {b"ic11": 32, b"ic12": 64, b"ic07": 128, b"ic08": 256, b"ic13": 256, b"ic09": 512, b"ic14": 512, b"ic10": 1024}
+
+
+def unpack_channels(packed):
+    """The icon format's run-length packing, undone."""
+    channels, position = bytearray(), 0
+    while position < len(packed):
+        count = packed[position]
+        if count < 128:
+            channels += packed[position + 1:position + count + 2]
+            position += count + 2
+        else:
+            channels += packed[position + 1:position + 2] * (count - 125)
+            position += 2
+    return bytes(channels)
+
+
+class Icon(unittest.TestCase):
+    def setUp(self):
+        self.entries = render.icon_entries((BUNDLE / "AppIcon.icns").read_bytes())
+
+    def test_every_size(self):
+        sizes = {kind: struct.unpack_from(">2I", body, 16) for kind, body in self.entries.items() if kind in PIXELS}
+        self.assertEqual(sizes, {kind: (pixels, pixels) for kind, pixels in PIXELS.items()})
+
+    def test_small_sizes_hold_the_same_picture_as_channels(self):
+        width, _, pixels = render.rgba(self.entries[b"ic11"])
+        self.assertEqual(self.entries[b"ic05"][:4], b"ARGB")
+        channels = unpack_channels(self.entries[b"ic05"][4:])
+        area = width * width
+        self.assertEqual(channels, pixels[3::4] + pixels[0::4] + pixels[1::4] + pixels[2::4])
+        self.assertEqual(len(unpack_channels(self.entries[b"ic04"][4:])), area)
+
+    def test_packing(self):
+        for channel in (b"", b"a", b"aab", b"aaa", b"a" * 130, b"a" * 131, b"a" * 133, bytes(range(128)),
+                        bytes(range(200)) + b"zzz" + bytes(range(129))):
+            with self.subTest(channel[:8]):
+                self.assertEqual(unpack_channels(render.pack_channel(channel)), channel)
+
+
+class StatusImage(unittest.TestCase):
+    def test_black_template_of_18_points(self):
+        png = (BUNDLE / "MenuBarTemplate.png").read_bytes()
+        width, height, pixels = render.rgba(png)
+        density = struct.unpack(">2IB", dict(render.png_chunks(png))[b"pHYs"])
+        self.assertEqual((width, height), (36, 36))
+        self.assertEqual([round(width / dots * 72 / 0.0254) for dots in density[:2]], [18, 18])
+        self.assertEqual(set(pixels[0::4] + pixels[1::4] + pixels[2::4]), {0})
+        self.assertEqual((min(pixels[3::4]), max(pixels[3::4])), (0, 255))
+
+
+class Rendering(unittest.TestCase):
+    """`render --check` on a copy of the folder."""
+
+    def setUp(self):
+        work = tempfile.TemporaryDirectory()
+        self.addCleanup(work.cleanup)
+        self.folder = Path(work.name) / "bundle"
+        shutil.copytree(BUNDLE, self.folder)
+
+    def check(self):
+        result = subprocess.run([self.folder / "render", "--check"], capture_output=True, text=True, check=False)
+        return result.returncode, result.stderr
+
+    def redraw(self, name, old, new):
+        drawing = self.folder / name
+        text = drawing.read_text()
+        self.assertIn(old, text)
+        drawing.write_text(text.replace(old, new))
+
+    def test_committed_pictures(self):
+        self.assertEqual(self.check(), (0, ""))
+
+    def test_changed_drawings(self):
+        for name, old, new, picture in [
+                ("MenuBarTemplate.svg", 'stroke-width="1.75"', 'stroke-width="2.25"', "MenuBarTemplate.png"),
+                ("AppIconSmall.svg", "#4fd0d6", "#d64f4f", "ic11"),
+                ("AppIcon.svg", "#4fd0d6", "#d64f4f", "ic12")]:
+            with self.subTest(name):
+                self.redraw(name, old, new)
+                status, sentence = self.check()
+                self.assertEqual(status, 1)
+                self.assertRegex(sentence, f"{picture}.* is not what its drawing renders to")
+                self.redraw(name, new, old)
+
+    def test_drawing_that_is_none(self):
+        (self.folder / "AppIcon.svg").write_text("<svg")
+        self.assertRegex(self.check()[1], "AppIcon.svg cannot be drawn")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,44 @@
+"""What stands for Apple's SDK is exactly what was pinned and listed."""
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import fixture
+import sysroot
+
+
+class Sysroot(unittest.TestCase):
+    def setUp(self):
+        work = tempfile.TemporaryDirectory()
+        self.addCleanup(work.cleanup)
+        self.folder = Path(work.name)
+
+    def test_other_archive_is_refused(self):
+        (self.folder / "headers.tgz").write_bytes(b"something else")
+        with self.assertRaisesRegex(sysroot.SysrootError, "is not what it was: its checksum is"):
+            sysroot.verify_archive(self.folder / "headers.tgz")
+
+    def test_mistakes_in_the_table(self):
+        for text in ("symbol before any library\n", "  early  10.0\n", "A  /usr/lib/a\n  f  1 2 3\n",
+                     "A  /usr/lib/a\n  f  new\n"):
+            with self.subTest(text):
+                (self.folder / "imports.txt").write_text(text)
+                with self.assertRaisesRegex(sysroot.SysrootError, r"imports.txt:\d: "):
+                    sysroot.read_libraries(self.folder / "imports.txt")
+
+    def test_symbol_listed_twice(self):
+        (self.folder / "imports.txt").write_text("A  /usr/lib/a\n  f  10.0\nB  /usr/lib/b\n  f  10.0\n")
+        with self.assertRaisesRegex(sysroot.SysrootError, "imports.txt:4: f is listed twice"):
+            sysroot.read_libraries(self.folder / "imports.txt")
+
+    def test_only_listed_symbols_link(self):
+        for processor, source in (("arm64", "int unlisted(void); int main(void) { return unlisted(); }\n"),
+                                  ("arm64", "void objc_msgSend_stret(void); int main(void) { objc_msgSend_stret(); }\n")):
+            with self.subTest(source), self.assertRaises(subprocess.CalledProcessError) as caught:
+                fixture.link(self.folder, processor, source=source)
+            self.assertIn("undefined symbol", caught.exception.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
