@@ -30,8 +30,8 @@ public:
   void operator()(bool truth) { marker(Simple, truth ? trueSize : falseSize); }
 
   void operator()(std::int64_t number) {
-    // Only those of 8 bytes have a sign.
-    const auto size = number < 0 ? 8 : bytesFor(static_cast<std::uint64_t>(number));
+    // Only integers of 8 bytes have a sign, and a negative one needs as many.
+    const auto size = bytesFor(static_cast<std::uint64_t>(number));
     marker(Integer, static_cast<unsigned>(std::countr_zero(size)));
     append(static_cast<std::uint64_t>(number), size);
   }
