@@ -1,1 +1,116 @@
-int main() {}
+/// What one key event costs from its delivery to the tap callback's answer, beside two floors of the same run.
+
+#include "bench/Allocations.hpp"
+#include "desktop/quartz/Desktop.hpp"
+#include "remap/KeyRemapper.hpp"
+
+#include <benchmark/benchmark.h>
+#include <cstdio>
+#include <map>
+#include <string>
+#include <unordered_set>
+
+namespace {
+
+using namespace desktop;
+
+constexpr auto floorName = "floor/hash_set_lookup";
+
+[[gnu::noinline]] void nothing() { benchmark::ClobberMemory(); }
+
+void emptyCall(benchmark::State& state) {
+  for (auto step : state) {
+    static_cast<void>(step);
+    nothing();
+  }
+}
+
+void hashSetLookup(benchmark::State& state) {
+  // More entries than the library is willing to search one by one.
+  std::unordered_set<std::string> set;
+  for (int index = 8000; index < 9000; ++index) set.insert("com.example.app." + std::to_string(index));
+  const std::string looked = "com.example.app.8500";
+  for (auto step : state) {
+    static_cast<void>(step);
+    benchmark::DoNotOptimize(set.find(looked));
+  }
+}
+
+PropertyList exemptions(long count, bool withEditor) {
+  PropertyList::Array list;
+  for (long index = 0; index < count; ++index) {
+    const std::string name = "com.example.app" + std::to_string(index);
+    list.emplace_back(std::u16string(name.begin(), name.end()));
+  }
+  if (withEditor) list.emplace_back(u"com.example.editor");
+  return list;
+}
+
+struct Typed {
+  std::uint16_t code;
+  CGEventFlags flags;
+};
+constexpr Typed letter{0x00, 0};
+constexpr Typed shortcut{0x08, 0x40000};
+
+/// Key-downs of `typed` with `application` in front and so many exempt applications.
+void event(benchmark::State& state, Typed typed, const char* application, bool exempt = false) {
+  const platform::AutoreleasePool pool;
+  Desktop desktop;
+  desktop.openBundle(TARNWICK_BUNDLE);
+  desktop.frontmost = shared(desktop.named(application));
+  desktop.defaults->file->set(u"exemptBundleIDs", exemptions(state.range(0), exempt));
+  const auto remapper = std::make_shared<tarnwick::KeyRemapper>();
+  remapper->start();
+
+  const auto key = create<Event>();
+  const auto deliver = [&] {
+    key->code = typed.code;
+    key->flags = typed.flags;
+    benchmark::DoNotOptimize(desktop.server.throughTaps(key.get()));
+  };
+  deliver();
+  const long before = allocationCount();
+  for (auto step : state) {
+    static_cast<void>(step);
+    deliver();
+  }
+  state.counters["allocations"] =
+      benchmark::Counter(static_cast<double>(allocationCount() - before), benchmark::Counter::kAvgIterations);
+  remapper->stop();
+}
+
+/// After the figures, each as a multiple of the lookup that was measured beside them.
+class Ratios : public benchmark::ConsoleReporter {
+public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    ConsoleReporter::ReportRuns(runs);
+    for (const Run& run : runs) times[run.benchmark_name()] = run.GetAdjustedCPUTime();
+  }
+  void Finalize() override {
+    const auto floor = times.find(floorName);
+    if (floor == times.end()) return;
+    std::printf("\nas multiples of %s:\n", floorName);
+    for (const auto& [name, time] : times) std::printf("%6.2f  %s\n", time / floor->second, name.c_str());
+  }
+
+private:
+  std::map<std::string, double> times;
+};
+
+BENCHMARK(emptyCall)->Name("floor/empty_call");
+BENCHMARK(hashSetLookup)->Name(floorName);
+BENCHMARK_CAPTURE(event, plain_letter, letter, "Editor")->Arg(0)->Arg(10)->Arg(100000);
+BENCHMARK_CAPTURE(event, rewritten_shortcut, shortcut, "Editor")->Arg(0)->Arg(10)->Arg(100000);
+BENCHMARK_CAPTURE(event, exempt_application, shortcut, "Editor", true)->Arg(0)->Arg(10)->Arg(100000);
+BENCHMARK_CAPTURE(event, finder_in_front, letter, "Finder")->Arg(0);
+
+} // namespace
+
+int main(int count, char** words) {
+  benchmark::Initialize(&count, words);
+  if (benchmark::ReportUnrecognizedArguments(count, words)) return 2;
+  Ratios reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  return 0;
+}

@@ -40,14 +40,9 @@ Pool& pools() {
 }
 
 const Method* findMethod(Class start, SEL selector) {
-  objc_class::CacheEntry& entry = start->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % 64];
-  if (entry.selector == selector) return entry.method;
   for (Class cls = start; cls != nullptr; cls = cls->superclass) {
     const auto found = cls->methods.find(selector);
-    if (found != cls->methods.end()) {
-      entry = {selector, &found->second};
-      return entry.method;
-    }
+    if (found != cls->methods.end()) return &found->second;
   }
   return nullptr;
 }
@@ -62,10 +57,6 @@ void forgetLookups() {
 std::string describeReceiver(id receiver) {
   const Class cls = receiver->isa;
   return cls->isMeta ? "the class " + cls->name : "a " + cls->name;
-}
-
-void checkAlive(const objc_object* object, const char* what) {
-  if (object->isa->isReleased) stop("a released " + object->isa->name + " was " + what);
 }
 
 Class releasedClass(Class cls) {
@@ -106,6 +97,19 @@ void addRootMethod(Class to, const char* selector, Result (*function)(id, SEL, A
                   platform::methodEncoding<Result, Arguments...>.text);
 }
 
+/// Finds the method, or stops the program with what is wrong with the call.
+IMP checkedMethod(id receiver, Class cls, SEL selector, const std::string& encoding) {
+  const std::string name = std::string("'") + selectorText(selector) + "'";
+  if (receiver->isa->isReleased) stop("message " + name + " to a released " + receiver->isa->name);
+  const Method* const method = findMethod(cls, selector);
+  if (method == nullptr) stop(describeReceiver(receiver) + " has no method " + name + " (called as " + encoding + ")");
+  if (method->encoding != encoding) {
+    stop(name + " of " + describeReceiver(receiver) + " has the type " + method->encoding + " but was called as " +
+         encoding);
+  }
+  return method->implementation;
+}
+
 } // namespace
 
 void stop(const std::string& sentence) {
@@ -133,14 +137,13 @@ bool conformsTo(id object, const std::string& protocol) {
 }
 
 Object* retain(Object* object) {
-  checkAlive(object, "retained");
-  ++object->references;
+  if (object->references++ <= 0) stop("a released " + object->isa->name + " was retained");
   return object;
 }
 
 void release(Object* object) {
-  checkAlive(object, "released again");
   if (--object->references > 0) return;
+  if (object->references < 0) stop("a released " + object->isa->name + " was released again");
   static const SEL dealloc = sel_registerName("dealloc");
   const IMP method = desktop_methodFor(object, nullptr, dealloc, platform::methodEncoding<void>.text);
   reinterpret_cast<void (*)(id, SEL)>(method)(object, dealloc);
@@ -212,20 +215,10 @@ extern "C" {
 
 IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding) {
   const Class cls = start != nullptr ? start : receiver->isa;
-  if (receiver->isa->isReleased) {
-    desktop::stop(std::string("message '") + desktop::selectorText(selector) + "' to a released " +
-                  receiver->isa->name);
-  }
-  const desktop::Method* const method = desktop::findMethod(cls, selector);
-  if (method == nullptr) {
-    desktop::stop(desktop::describeReceiver(receiver) + " has no method '" + desktop::selectorText(selector) +
-                  "' (called as " + encoding + ")");
-  }
-  if (method->encoding != encoding) {
-    desktop::stop(std::string("'") + desktop::selectorText(selector) + "' of " + desktop::describeReceiver(receiver) +
-                  " has the type " + method->encoding + " but was called as " + encoding);
-  }
-  return method->implementation;
+  objc_class::CacheEntry& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
+  if (entry.selector == selector && entry.encoding == encoding) return entry.implementation;
+  entry = {selector, encoding, desktop::checkedMethod(receiver, cls, selector, encoding)};
+  return entry.implementation;
 }
 
 Class objc_getClass(const char* name) {

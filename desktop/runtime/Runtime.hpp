@@ -52,17 +52,19 @@ struct objc_class : objc_object {
   /// How many instances are alive.
   long live = 0;
 
+  /// A checked look-up: this selector, called with the encoding at this address, ends at this method.
   struct CacheEntry {
     SEL selector = nullptr;
-    const desktop::Method* method = nullptr;
+    const char* encoding = nullptr;
+    IMP implementation = nullptr;
   };
-  /// Where the last look-ups ended, inherited methods included.
   std::array<CacheEntry, 64> cache{};
 };
 
 namespace desktop {
 
-/// What every instance begins with. Made with one reference, which belongs to the maker.
+/// What every instance begins with. Made with one reference, which belongs to the maker; none are left when it is
+/// released for good.
 struct Object : objc_object {
   long references = 1;
 

@@ -1,0 +1,4 @@
+/// How often this process has asked for memory with `new`.
+#pragma once
+
+long allocationCount();
