@@ -53,6 +53,9 @@ void objc_msgSendSuper_stret(void);
 #endif
 #endif
 }
+
+inline constexpr BOOL YES = 1;
+inline constexpr BOOL NO = 0;
 #endif
 
 // Exported by the runtime for compilers, in no public header.
@@ -69,9 +72,6 @@ using ::BOOL;
 using ::Class;
 using ::id;
 using ::SEL;
-
-inline constexpr BOOL YES = 1;
-inline constexpr BOOL NO = 0;
 
 /// What the platform hands over during its life is released at its end. One in every entry from the platform.
 class AutoreleasePool {
