@@ -1,0 +1,85 @@
+"""The whole way from the sources to the archive: the same bytes from two places, and clear sentences on the way."""
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+from unittest import mock
+
+import fixture
+
+build = fixture.load_script(fixture.ROOT / "macos" / "build")
+SOURCES = ("app", "remap", "settings", "platform", "bundle", "macos")
+
+
+class Build(unittest.TestCase):
+    """Builds the application from copies of its sources."""
+
+    @classmethod
+    def setUpClass(cls):
+        work = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(work.cleanup)
+        cls.first, cls.second = Path(work.name) / "one", Path(work.name) / "another-place"
+        for part in SOURCES:
+            shutil.copytree(fixture.ROOT / part, cls.first / part, ignore=shutil.ignore_patterns("__pycache__"))
+        shutil.copy(fixture.ROOT / "CMakeLists.txt", cls.first)
+        shutil.copytree(cls.first, cls.second)
+
+    def build(self, place, *options):
+        result = subprocess.run([place / "macos" / "build", *options], capture_output=True, text=True, check=False)
+        return result.returncode, result.stdout + result.stderr
+
+    def test_same_archive_from_two_places(self):
+        for place in (self.first, self.second):
+            status, said = self.build(place)
+            self.assertEqual(status, 0, said)
+        archives = [(place / "build" / "macos" / "Tarnwick.zip").read_bytes() for place in (self.first, self.second)]
+        self.assertEqual(archives[0], archives[1])
+
+    def test_symbol_that_is_not_listed(self):
+        extra = self.second / "app" / "Unlisted.cpp"
+        extra.write_text('extern "C" int CGEventTapIsEnabled(void*);\n'
+                         "__attribute__((used)) int asked() { return CGEventTapIsEnabled(nullptr); }\n")
+        self.addCleanup(extra.unlink)
+        status, said = self.build(self.second)
+        self.assertEqual(status, 1)
+        self.assertIn("undefined symbol: CGEventTapIsEnabled", said)
+        self.assertIn("macos/imports.txt does not list", said)
+
+    def test_framework_that_is_none(self):
+        status, said = self.build(self.second, "--framework", str(self.second / "app"))
+        self.assertEqual((status, said), (1, f"macos/build: {self.second / 'app'} is not a framework\n"))
+
+
+class Mac(unittest.TestCase):
+    """What Apple's codesign is asked to do."""
+
+    def signed(self, identity):
+        with tempfile.TemporaryDirectory() as work:
+            folder = Path(work)
+            bundle = fixture.make_bundle(folder, fixture.program(folder))
+            fixture.add_framework(bundle, fixture.library(folder))
+            calls = []
+            with mock.patch.object(build, "run", lambda *words: calls.append([str(word) for word in words])):
+                build.sign_with_apple(bundle, identity)
+        return calls
+
+    def test_innermost_first(self):
+        names = [Path(call[-1]).name for call in self.signed(None)]
+        self.assertEqual(names, ["Helper", "Updater.framework", "Tarnwick.app", "Tarnwick.app"])
+
+    def test_hardened_only_with_an_identity(self):
+        for identity, name, hardened in ((None, "-", False), ("Developer ID Application: A (B)",) * 2 + (True,)):
+            with self.subTest(identity):
+                for call in self.signed(identity)[:-1]:
+                    self.assertEqual(call[call.index("--sign") + 1], name)
+                    self.assertEqual("runtime" in call, hardened)
+
+    def test_identity_elsewhere_is_refused(self):
+        with mock.patch.object(build.platform, "system", lambda: "Linux"):
+            with self.assertRaisesRegex(build.BuildError, "only on a Mac"):
+                build.build(Path("unused"), "Developer ID Application: A (B)", [])
+
+
+if __name__ == "__main__":
+    unittest.main()
