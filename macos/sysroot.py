@@ -60,16 +60,25 @@ def read_libraries(table=HERE / "imports.txt"):
             continue
         if not line.startswith(" ") and len(words) == 2:
             libraries.append(Library(words[0], words[1], []))
-        elif line.startswith(" ") and libraries and len(words) in (2, 3) and VERSION.fullmatch(words[1]):
-            if words[0] in listed:
+        elif line.startswith(" ") and libraries:
+            symbol = read_symbol(words, libraries[-1], f"{table.name}:{number}")
+            if symbol.name in listed:
                 raise SysrootError(f"{table.name}:{number}: {words[0]} is listed twice")
-            listed.add(words[0])
-            version = tuple(int(part) for part in words[1].split("."))
-            libraries[-1].symbols.append(Symbol("_" + words[0], version, "".join(words[2:])))
+            listed.add(symbol.name)
+            libraries[-1].symbols.append(symbol)
         else:
-            raise SysrootError(f"{table.name}:{number}: neither a library with its install name nor a symbol with its "
-                               "first macOS")
+            raise SysrootError(f"{table.name}:{number}: neither a library with its install name nor one of its symbols")
     return libraries
+
+
+def read_symbol(words, library, place):
+    """One line of the table."""
+    if len(words) not in (3, 4) or not VERSION.fullmatch(words[1]) or ":" not in words[2]:
+        raise SysrootError(f"{place}: a symbol needs its first macOS and its source")
+    owner = words[2].partition(":")[2].partition("/")[0]
+    if owner != library.name:
+        raise SysrootError(f"{place}: {words[0]} is listed under {library.name}, but its source says {owner}")
+    return Symbol("_" + words[0], tuple(int(part) for part in words[1].split(".")), "".join(words[3:]))
 
 
 def write_stubs(folder):

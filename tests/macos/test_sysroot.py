@@ -20,17 +20,18 @@ class Sysroot(unittest.TestCase):
             sysroot.verify_archive(self.folder / "headers.tgz")
 
     def test_mistakes_in_the_table(self):
-        for text in ("symbol before any library\n", "  early  10.0\n", "A  /usr/lib/a\n  f  1 2 3\n",
-                     "A  /usr/lib/a\n  f  new\n"):
+        for text, sentence in [
+                ("symbol before any library\n", "imports.txt:1: neither a library"),
+                ("  early  10.0  x:A\n", "imports.txt:1: neither a library"),
+                ("A  /usr/lib/a\n  f  10.0\n", "imports.txt:2: a symbol needs its first macOS and its source"),
+                ("A  /usr/lib/a\n  f  new  x:A\n", "imports.txt:2: a symbol needs its first macOS and its source"),
+                ("A  /usr/lib/a\n  f  10.0  x:B/b.h\n", "imports.txt:2: f is listed under A, but its source says B"),
+                ("A  /usr/lib/a\n  f  10.0  x:A\nB  /usr/lib/b\n  f  10.0  x:B\n",
+                 "imports.txt:4: f is listed twice")]:
             with self.subTest(text):
                 (self.folder / "imports.txt").write_text(text)
-                with self.assertRaisesRegex(sysroot.SysrootError, r"imports.txt:\d: "):
+                with self.assertRaisesRegex(sysroot.SysrootError, sentence):
                     sysroot.read_libraries(self.folder / "imports.txt")
-
-    def test_symbol_listed_twice(self):
-        (self.folder / "imports.txt").write_text("A  /usr/lib/a\n  f  10.0\nB  /usr/lib/b\n  f  10.0\n")
-        with self.assertRaisesRegex(sysroot.SysrootError, "imports.txt:4: f is listed twice"):
-            sysroot.read_libraries(self.folder / "imports.txt")
 
     def test_only_listed_symbols_link(self):
         for processor, source in (("arm64", "int unlisted(void); int main(void) { return unlisted(); }\n"),
