@@ -56,6 +56,8 @@ public:
   /// The event as it leaves the taps, or null when one of them kept it.
   Event* throughTaps(Event* event);
 
+  /// In the order in which events pass them. Not owned.
+  const std::vector<EventTap*>& installed() const { return taps; }
   void add(EventTap* tap, CGEventTapPlacement placement);
   void remove(EventTap* tap);
   /// The program has ended: its taps and events go with it.
@@ -64,7 +66,6 @@ public:
 private:
   void deliver(const Event& event);
 
-  /// In the order in which events pass them. Not owned.
   std::vector<EventTap*> taps;
   std::deque<Ref<Event>> posted;
 };

@@ -1,0 +1,74 @@
+/// A remapper with its tap on a desktop of its own; keys are typed on the keyboard, and what arrives is compared.
+#pragma once
+
+#include "remap/KeyRemapper.hpp"
+#include "tests/support/TestDesktop.hpp"
+
+#include <ostream>
+
+namespace tarnwick {
+
+inline void PrintTo(const Key& key, std::ostream* stream) {
+  *stream << "code 0x" << std::hex << key.code << " flags 0x" << key.flags << std::dec;
+}
+
+/// A key as an application received it; nobody's when there was none in front.
+struct Received {
+  std::string by;
+  Key key;
+
+  bool operator==(const Received&) const = default;
+  friend void PrintTo(const Received& received, std::ostream* stream) {
+    *stream << received.by << ' ';
+    PrintTo(received.key, stream);
+  }
+};
+
+inline constexpr CGEventFlags shift = kCGEventFlagMaskShift;
+inline constexpr CGEventFlags control = kCGEventFlagMaskControl;
+inline constexpr CGEventFlags option = kCGEventFlagMaskAlternate;
+inline constexpr CGEventFlags command = kCGEventFlagMaskCommand;
+inline constexpr CGEventFlags modifiers = shift | control | option | command;
+
+inline constexpr Key ctrlC{0x08, control};
+inline constexpr Key cmdC{0x08, command};
+
+class RemapperTest : public testing::Test {
+protected:
+  desktop::TestDesktop desktop;
+  std::shared_ptr<KeyRemapper> remapper = std::make_shared<KeyRemapper>();
+
+  void SetUp() override { ASSERT_TRUE(remapper->start()); }
+  void TearDown() override {
+    if (remapper) remapper->stop();
+  }
+
+  /// What became of an event. A swallowed one is received by "swallowed".
+  Received send(CGEventType type, Key key) {
+    desktop.facts.clear();
+    desktop.machine.server.type(type, static_cast<CGKeyCode>(key.code), key.flags);
+    EXPECT_EQ(desktop.facts.size(), 1U) << desktop.trace();
+    const desktop::Fact& fact = desktop.facts.front();
+    const std::size_t numbers = fact.size() - 2;
+    EXPECT_EQ(fact[numbers - 1], type == kCGEventKeyDown ? "down" : "up");
+    return {fact.front() == "key" ? fact[1] : fact.front(),
+            {std::stoi(fact[numbers], nullptr, 16), std::stoull(fact[numbers + 1], nullptr, 16)}};
+  }
+
+  /// The key as it arrived, its release having arrived alike.
+  Key press(Key key) {
+    const Received down = send(kCGEventKeyDown, key);
+    EXPECT_EQ(send(kCGEventKeyUp, key), down);
+    return down.key;
+  }
+
+  desktop::EventTap& tap() { return *desktop.machine.server.installed().at(0); }
+  /// Puts an application of this identifier in front; of none for null.
+  void front(const char16_t* identifier) {
+    auto& application = desktop.machine.start("Application", "", "AXGroup");
+    if (identifier != nullptr) application.identifier = desktop::string(std::u16string_view(identifier));
+    desktop.machine.frontmost = desktop::shared(&application);
+  }
+};
+
+} // namespace tarnwick

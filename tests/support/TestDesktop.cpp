@@ -1,0 +1,114 @@
+#include "tests/support/TestDesktop.hpp"
+
+#include "app/main.hpp"
+#include "desktop/session/Session.hpp"
+#include "desktop/session/Trace.hpp"
+
+#include <cstdlib>
+#include <deque>
+#include <fstream>
+#include <iterator>
+
+int tarnwickMain();
+
+namespace desktop {
+namespace {
+
+/// Hands out the commands of each step in turn; a look happens when the desktop asks for what comes after it.
+class Script {
+public:
+  explicit Script(std::vector<Step> script) : steps(std::move(script)) {}
+
+  std::optional<Command> next() {
+    while (commands.empty() && step < steps.size())
+      take(steps[step++]);
+    if (commands.empty()) return std::nullopt;
+    auto command = std::move(commands.front());
+    commands.pop_front();
+    return command;
+  }
+
+private:
+  void take(const Step& taken) {
+    if (const auto* look = std::get_if<std::function<void()>>(&taken)) return (*look)();
+    const std::string& lines = std::get<std::string>(taken);
+    for (std::size_t begin = 0, end = 0; begin < lines.size(); begin = end + 1) {
+      end = std::min(lines.find('\n', begin), lines.size());
+      auto read = grammar.read(std::string_view(lines).substr(begin, end - begin));
+      if (auto* command = std::get_if<Command>(&read)) commands.push_back(std::move(*command));
+      if (const auto* mistake = std::get_if<Mistake>(&read)) ADD_FAILURE() << mistake->text();
+    }
+  }
+
+  std::vector<Step> steps;
+  std::size_t step = 0;
+  SessionGrammar grammar{"the test's session"};
+  std::deque<Command> commands;
+};
+
+/// Runs the program as a process would, then lets go of what its process would have taken along.
+void playOn(Desktop& machine, const std::vector<Step>& steps) {
+  Script script(steps);
+  Session(machine, tarnwickMain, [&] { return script.next(); }).run();
+  const platform::AutoreleasePool pool;
+  objc_release(std::exchange(tarnwick::delegate, nullptr));
+  tarnwick::app = nullptr;
+}
+
+/// What is made on first use and kept from then on is no leak: a session that uses it all.
+void warmUp() {
+  Desktop machine;
+  playOn(machine, {"trust no\n taps allow\n launch\n click OK\n press ctrl+c\n menu Developer\n front Finder\n"
+                   "press f2\n press forwarddelete\n click Cancel\n menu Settings…"});
+}
+
+} // namespace
+
+TemporaryFolder::TemporaryFolder() {
+  std::string name = testing::TempDir() + "/tarnwick-XXXXXX";
+  if (::mkdtemp(name.data()) == nullptr) stop("no temporary folder can be made");
+  path = name;
+}
+
+void writeFile(const std::filesystem::path& file, const std::string& bytes) {
+  std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
+}
+
+std::string contentsOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+LeakCheck::LeakCheck() {
+  static const bool warm = (warmUp(), true);
+  static_cast<void>(warm);
+  before = liveObjects();
+}
+
+TestDesktop::TestDesktop() {
+  const auto contents = bundle / "Contents";
+  std::filesystem::create_directories(contents / "Resources");
+  writeFile(contents / "Info.plist", writeXml(PropertyList::Dictionary{
+                                         {u"CFBundleIdentifier", u"app.tarnwick.Tarnwick"},
+                                         {u"CFBundleShortVersionString", u"1.0.0"},
+                                     }));
+  for (const char* resource : {"MenuBarTemplate.png", "AppIcon.icns"}) {
+    std::filesystem::copy(std::filesystem::path(TARNWICK_SOURCE_DIR) / "bundle" / resource, contents / "Resources");
+  }
+  machine.openBundle(bundle);
+  machine.journal = [this](const Fact& fact) { facts.push_back(fact); };
+}
+
+std::string TestDesktop::trace() const {
+  std::string lines;
+  for (const Fact& fact : facts)
+    lines += traceLine(fact) + '\n';
+  return lines;
+}
+
+std::string TestDesktop::play(const std::vector<Step>& steps) {
+  playOn(machine, steps);
+  return trace();
+}
+
+} // namespace desktop

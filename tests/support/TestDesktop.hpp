@@ -1,0 +1,71 @@
+/// A fresh desktop for one test, and the real program played on it.
+#pragma once
+
+#include "desktop/appkit/AppKit.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace desktop {
+
+/// A folder of a test's own, gone with it.
+class TemporaryFolder {
+public:
+  TemporaryFolder();
+  ~TemporaryFolder() { std::filesystem::remove_all(path); }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::filesystem::path path;
+};
+
+void writeFile(const std::filesystem::path& file, const std::string& bytes);
+std::string contentsOf(const std::filesystem::path& file);
+
+/// Fails the test unless at its end exactly the objects of its beginning are alive.
+class LeakCheck {
+public:
+  LeakCheck();
+  ~LeakCheck() { EXPECT_EQ(liveObjects(), before) << "references leaked, or were released too often"; }
+  LeakCheck(const LeakCheck&) = delete;
+  LeakCheck& operator=(const LeakCheck&) = delete;
+
+private:
+  std::vector<std::pair<std::string, long>> before;
+};
+
+/// What happens next: lines of a session, or a look at how things stand by then.
+using Step = std::variant<std::string, std::function<void()>>;
+
+/// Every test's desktop: bundle and defaults are its own, every fact is kept, and nothing may leak.
+class TestDesktop {
+  LeakCheck nothingLeaks;
+  TemporaryFolder folder;
+
+public:
+  TestDesktop();
+
+  /// The program's bundle: complete, for a test to break. `machine.openBundle(bundle)` reads its dictionary anew.
+  std::filesystem::path bundle = folder.path / "Tarnwick.app";
+  Desktop machine;
+  std::vector<Fact> facts;
+
+  /// The facts so far, as a trace tells them.
+  std::string trace() const;
+  void store(const std::u16string& key, PropertyList value) { machine.defaults->file->set(key, std::move(value)); }
+
+  /// Plays a whole session, from before the launch until the program has quit, and answers its trace. Once only.
+  std::string play(const std::vector<Step>& steps);
+
+private:
+  /// After the machine, on which the last releases may still call.
+  platform::AutoreleasePool pool;
+};
+
+} // namespace desktop
