@@ -103,6 +103,9 @@ public:
   using NSObject::NSObject;
   /// Empty when the text is no URL.
   static NSURL URLWithString(const NSString& text) { return send<"URLWithString:", NSURL>(theClass<"NSURL">, text); }
+  static NSURL fileURLWithPath(const NSString& path) {
+    return send<"fileURLWithPath:", NSURL>(theClass<"NSURL">, path);
+  }
 };
 
 /// A folder with `Contents/Info.plist` and `Contents/Resources`.
@@ -110,6 +113,8 @@ class NSBundle : public NSObject {
 public:
   using NSObject::NSObject;
   static NSBundle mainBundle() { return send<"mainBundle", NSBundle>(theClass<"NSBundle">); }
+  /// Empty when there is no folder at that place.
+  static NSBundle withURL(const NSURL& url) { return make<"NSBundle", "initWithURL:", NSBundle>(url); }
 
   /// Empty when the bundle names none.
   [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }

@@ -5,8 +5,9 @@
 ///                         .registered();
 ///
 /// Each instance carries one C++ object, its state: `attach` makes it from the class's initialiser, and it is destroyed
-/// with the instance. A static member that takes the instance first becomes a method that needs no state. Encodings
-/// come from the C++ types. Every method opens an autorelease pool; an exception that would leave one ends the program.
+/// with the instance. A static member that takes the instance first becomes a method that needs no state; a class of
+/// such methods alone has `void` for its state. Encodings come from the C++ types. Every method opens an autorelease
+/// pool; an exception that would leave one ends the program.
 #pragma once
 
 #include "platform/Send.hpp"
@@ -64,8 +65,10 @@ template <class State, Name superclass> id initialise(id self) {
 template <class State, Name name, Name superclass> class RuntimeClass {
 public:
   RuntimeClass() : cls(objc_allocateClassPair(theClass<superclass>.found(), name.text, 0)) {
-    class_addIvar(cls, "state", sizeof(State*), 3, "^v");
-    method<"dealloc", &RuntimeClass::dealloc>();
+    if constexpr (hasState) {
+      class_addIvar(cls, "state", sizeof(State*), 3, "^v");
+      method<"dealloc", &RuntimeClass::dealloc>();
+    }
   }
 
   template <Name selector, auto member> RuntimeClass& method() {
@@ -81,11 +84,15 @@ public:
 
   Class registered() {
     objc_registerClassPair(cls);
-    InstanceState<State>::offset = ivar_getOffset(class_getInstanceVariable(cls, "state"));
+    if constexpr (hasState) {
+      InstanceState<State>::offset = ivar_getOffset(class_getInstanceVariable(cls, "state"));
+    }
     return cls;
   }
 
 private:
+  static constexpr bool hasState = !std::is_void_v<State>;
+
   static void dealloc(id self) {
     InstanceState<State>::destroy(self);
     sendSuper<superclass, "dealloc">(self);

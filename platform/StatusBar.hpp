@@ -1,12 +1,11 @@
 /// The status bar, its items and their menus.
 #pragma once
 
-#include "platform/Image.hpp"
+#include "platform/Control.hpp"
 
 namespace platform {
 
 inline constexpr CGFloat NSSquareStatusItemLength = -2.0;
-inline constexpr NSUInteger NSImageOnly = 1;
 
 class NSMenuItem : public NSObject {
 public:
@@ -32,12 +31,9 @@ public:
   void addItem(const NSMenuItem& item) const { send<"addItem:">(*this, item); }
 };
 
-class NSStatusBarButton : public NSObject {
+class NSStatusBarButton : public NSButton {
 public:
-  using NSObject::NSObject;
-  void setImage(const NSImage& image) const { send<"setImage:">(*this, image); }
-  void setImagePosition(NSUInteger position) const { send<"setImagePosition:">(*this, position); }
-  void setTitle(const NSString& title) const { send<"setTitle:">(*this, title); }
+  using NSButton::NSButton;
 };
 
 /// In the status bar for as long as somebody keeps it.

@@ -1,0 +1,121 @@
+#include "settings/Forms.hpp"
+#include "settings/MappingsWindowController.hpp"
+#include "settings/WindowSizing.hpp"
+
+#include "platform/RuntimeClass.hpp"
+
+namespace tarnwick {
+
+using namespace platform;
+
+namespace {
+
+NSScrollView makeScrollView() {
+  auto scrollView = NSScrollView::make();
+  scrollView.setTranslatesAutoresizingMaskIntoConstraints(NO);
+  scrollView.setHasVerticalScroller(YES);
+  scrollView.setHasHorizontalScroller(NO);
+  scrollView.setAutohidesScrollers(YES);
+  scrollView.setDrawsBackground(NO);
+  return scrollView;
+}
+
+/// The frame casts the icon's shadow: the icon itself is clipped to its rounded corners.
+NSView makeIconFrame() {
+  auto frame = NSView::make();
+  frame.setTranslatesAutoresizingMaskIntoConstraints(NO);
+  frame.setWantsLayer(YES);
+  const CALayer layer = frame.layer();
+  layer.setShadowColor(NSColor::blackColor().CGColor());
+  layer.setShadowOpacity(0.18F);
+  layer.setShadowRadius(10);
+  layer.setShadowOffset({0, -2});
+  return frame;
+}
+
+/// Empty when the bundle's icon cannot be read as an image.
+NSImage applicationIcon() {
+  const NSURL file = NSBundle::mainBundle().URLForResource(NSString::utf8("AppIcon"), NSString::utf8("icns"));
+  if (file) return NSImage::withContentsOfURL(file);
+  return NSImage::imageNamed({share, NSImageNameApplicationIcon});
+}
+
+NSImageView makeIconView() {
+  auto view = NSImageView::make();
+  view.setTranslatesAutoresizingMaskIntoConstraints(NO);
+  view.setImage(applicationIcon());
+  view.setImageScaling(NSImageScaleProportionallyUpOrDown);
+  view.setWantsLayer(YES);
+  const CALayer layer = view.layer();
+  layer.setCornerRadius(16);
+  layer.setMasksToBounds(YES);
+  return view;
+}
+
+} // namespace
+
+MappingsWindowController::FlippedView MappingsWindowController::FlippedView::make() {
+  runtimeClass();
+  return platform::make<"FlippedView", "initWithFrame:", FlippedView>(NSRect{});
+}
+
+Class MappingsWindowController::FlippedView::runtimeClass() {
+  static const Class registered = RuntimeClass<void, "FlippedView", "NSView">()
+                                      .method<"initWithFrame:", &FlippedView::initWithFrame>()
+                                      .method<"initWithCoder:", &FlippedView::initWithCoder>()
+                                      .method<"isFlipped", &FlippedView::isFlipped>()
+                                      .registered();
+  return registered;
+}
+
+id MappingsWindowController::FlippedView::initWithFrame(id self, NSRect frame) {
+  return sendSuper<"NSView", "initWithFrame:", id>(self, frame);
+}
+
+id MappingsWindowController::FlippedView::initWithCoder(id self, id coder) {
+  return sendSuper<"NSView", "initWithCoder:", id>(self, coder);
+}
+
+void MappingsWindowController::setupContent() {
+  const NSView content = window().contentView();
+  if (!content) return;
+
+  settingsScrollView = makeScrollView();
+  settingsDocumentView = FlippedView::make();
+  settingsDocumentView.setTranslatesAutoresizingMaskIntoConstraints(NO);
+  settingsDocumentView.setAutoresizingMask(NSViewWidthSizable);
+  settingsScrollView.setDocumentView(settingsDocumentView);
+
+  const auto iconFrame = makeIconFrame();
+  const auto icon = makeIconView();
+  iconFrame.addSubview(icon);
+
+  settingsStack = makeColumn(NSLayoutAttributeLeading, 10);
+  settingsStack.setTranslatesAutoresizingMaskIntoConstraints(NO);
+  addRows();
+
+  content.addSubview(settingsScrollView);
+  settingsDocumentView.addSubview(iconFrame);
+  settingsDocumentView.addSubview(settingsStack);
+  NSLayoutConstraint::activateConstraints(NSArray::of<NSLayoutConstraint>({
+      settingsScrollView.leadingAnchor().constraintEqualToAnchor(content.leadingAnchor()),
+      settingsScrollView.trailingAnchor().constraintEqualToAnchor(content.trailingAnchor()),
+      settingsScrollView.topAnchor().constraintEqualToAnchor(content.topAnchor()),
+      settingsScrollView.bottomAnchor().constraintEqualToAnchor(content.bottomAnchor()),
+      iconFrame.topAnchor().constraintEqualToAnchor(settingsDocumentView.topAnchor(), iconTopInset),
+      iconFrame.centerXAnchor().constraintEqualToAnchor(settingsDocumentView.centerXAnchor()),
+      iconFrame.widthAnchor().constraintEqualToConstant(iconSize),
+      iconFrame.heightAnchor().constraintEqualToConstant(iconSize),
+      icon.leadingAnchor().constraintEqualToAnchor(iconFrame.leadingAnchor()),
+      icon.trailingAnchor().constraintEqualToAnchor(iconFrame.trailingAnchor()),
+      icon.topAnchor().constraintEqualToAnchor(iconFrame.topAnchor()),
+      icon.bottomAnchor().constraintEqualToAnchor(iconFrame.bottomAnchor()),
+      settingsStack.leadingAnchor().constraintEqualToAnchor(settingsDocumentView.leadingAnchor(), settingsInset),
+      settingsStack.trailingAnchor().constraintEqualToAnchor(settingsDocumentView.trailingAnchor(), -settingsInset),
+      settingsStack.topAnchor().constraintEqualToAnchor(iconFrame.bottomAnchor(), settingsInset),
+      settingsStack.bottomAnchor().constraintEqualToAnchor(settingsDocumentView.bottomAnchor(), -settingsInset),
+  }));
+  updateScrollLayout();
+}
+
+} // namespace tarnwick

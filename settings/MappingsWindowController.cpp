@@ -1,0 +1,88 @@
+#include "settings/MappingsWindowController.hpp"
+
+#include "platform/Application.hpp"
+#include "platform/RuntimeClass.hpp"
+
+namespace tarnwick {
+
+using namespace platform;
+
+namespace {
+
+constexpr auto loginItemsAddress = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
+constexpr auto websiteAddress = "https://tarnwick.example/about";
+
+NSWindow makeWindow() {
+  auto window = NSWindow::make({{0, 0}, MappingsWindowController::defaultContentSize},
+                               NSWindowStyleMaskTitled | NSWindowStyleMaskClosable | NSWindowStyleMaskResizable,
+                               NSBackingStoreBuffered, NO);
+  window.setTitle(NSString::utf8("Tarnwick Settings"));
+  window.setReleasedWhenClosed(NO);
+  window.setMinSize({460, 500});
+  return window;
+}
+
+void open(const char* address) {
+  if (const NSURL url = NSURL::URLWithString(NSString::utf8(address))) NSWorkspace::sharedWorkspace().openURL(url);
+}
+
+} // namespace
+
+Class MappingsWindowController::runtimeClass() {
+  static const Class registered =
+      RuntimeClass<MappingsWindowController, "MappingsWindowController", "NSWindowController">()
+          .conformsTo("NSWindowDelegate")
+          .method<"initWithCoder:", &MappingsWindowController::initWithCoder>()
+          .method<"show", &MappingsWindowController::show>()
+          .method<"windowDidResize:", &MappingsWindowController::windowDidResize>()
+          .method<"toggleMapping:", &MappingsWindowController::toggleMapping>()
+          .method<"chooseAppExemption", &MappingsWindowController::chooseAppExemption>()
+          .method<"removeExemption:", &MappingsWindowController::removeExemption>()
+          .method<"openLoginItems", &MappingsWindowController::openLoginItems>()
+          .method<"openDeveloperWebsite", &MappingsWindowController::openDeveloperWebsite>()
+          .registered();
+  return registered;
+}
+
+NSWindowController MappingsWindowController::make(std::shared_ptr<KeyRemapper> remapper) {
+  runtimeClass();
+  auto controller = platform::make<"MappingsWindowController", "initWithWindow:", NSWindowController>(makeWindow());
+  if (!controller) return controller;
+  const id instance = controller.object();
+  auto& state = InstanceState<MappingsWindowController>::attach(instance, instance, std::move(remapper));
+  controller.window().setDelegate(instance);
+  state.setupContent();
+  return controller;
+}
+
+MappingsWindowController::MappingsWindowController(id instance, std::shared_ptr<KeyRemapper> engine)
+    : self(instance), remapper(std::move(engine)) {}
+
+id MappingsWindowController::initWithCoder(id self, id /*coder*/) {
+  const NSObject refused(adopt, self);
+  return nullptr;
+}
+
+NSWindow MappingsWindowController::window() const {
+  return NSWindowController(share, self).window();
+}
+
+void MappingsWindowController::show() {
+  updateCheckboxes();
+  refreshExemptionsUI();
+  applyInitialWindowSizeIfNeeded();
+  updateScrollLayout();
+  window().center();
+  window().makeKeyAndOrderFront();
+  NSApplication::sharedApplication().activateIgnoringOtherApps(YES);
+}
+
+void MappingsWindowController::openLoginItems() {
+  open(loginItemsAddress);
+}
+
+void MappingsWindowController::openDeveloperWebsite() {
+  open(websiteAddress);
+}
+
+} // namespace tarnwick
