@@ -63,10 +63,17 @@ protected:
   }
 
   desktop::EventTap& tap() { return *desktop.machine.server.installed().at(0); }
-  /// Puts an application of this identifier in front; of none for null.
-  void front(const char16_t* identifier) {
+
+  /// Another run of the program: what it reads on starting is read anew.
+  void relaunch() {
+    remapper->stop();
+    remapper = std::make_shared<KeyRemapper>();
+    ASSERT_TRUE(remapper->start());
+  }
+  /// Puts an application of this identifier in front, or of none.
+  void front(const std::optional<std::u16string>& identifier) {
     auto& application = desktop.machine.start("Application", "", "AXGroup");
-    if (identifier != nullptr) application.identifier = desktop::string(std::u16string_view(identifier));
+    if (identifier) application.identifier = desktop::string(*identifier);
     desktop.machine.frontmost = desktop::shared(&application);
   }
 };
