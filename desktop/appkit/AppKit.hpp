@@ -1,20 +1,10 @@
-/// The stand-in's AppKit: the application object, the status bar with its menus, modal sessions, images.
+/// The stand-in's AppKit: the application object, the status bar with its menus, what is on the screen, modal sessions.
 #pragma once
 
+#include "desktop/appkit/Windows.hpp"
 #include "desktop/quartz/Desktop.hpp"
 
 namespace desktop {
-
-struct Image : Object {
-  /// The file as it is: PNG or icns.
-  std::string bytes;
-  CGSize size{};
-  BOOL isTemplate = false;
-
-  Image* initWithContentsOfURL(URL* url);
-  void setTemplate(BOOL value) { isTemplate = value; }
-  void setSize(CGSize value) { size = value; }
-};
 
 struct MenuItem : Object {
   Ref<String> title;
@@ -40,15 +30,7 @@ struct Menu : Object {
   MenuItem* itemWithTitle(const std::string& title) const;
 };
 
-struct StatusBarButton : Object {
-  Ref<Image> image;
-  NSUInteger imagePosition = 0;
-  Ref<String> title;
-
-  void setImage(Image* value) { image = shared(value); }
-  void setImagePosition(NSUInteger value) { imagePosition = value; }
-  void setTitle(String* value) { title = shared(value); }
-};
+struct StatusBarButton : Button {};
 
 /// In the status bar while somebody keeps it.
 struct StatusItem : Object {
@@ -62,22 +44,16 @@ struct StatusItem : Object {
   void setMenu(Menu* value);
 };
 
-/// What blocks the program until the user answers: an alert or a panel.
-struct ModalSession {
-  std::optional<NSInteger> answer;
-};
-
 struct Alert : Object {
   Ref<String> message;
   Ref<String> informative;
   NSUInteger style = 0;
-  std::vector<Ref<String>> buttons;
-  ModalSession session;
+  std::vector<Ref<Button>> buttons;
 
   void setAlertStyle(NSUInteger value) { style = value; }
   void setMessageText(String* text) { message = shared(text); }
   void setInformativeText(String* text) { informative = shared(text); }
-  Ref<Object> addButtonWithTitle(String* title);
+  Button* addButtonWithTitle(String* title);
   NSInteger runModal();
   /// How a trace tells of it.
   Fact fact() const;
@@ -97,21 +73,40 @@ struct Application : Object {
   void activateIgnoringOtherApps(BOOL ignoring);
 };
 
+/// What blocks the program until the user answers it.
+struct ModalSession {
+  /// An alert or an open panel, kept by whoever runs it.
+  Object* shown;
+  std::optional<NSInteger> answer;
+};
+
 /// AppKit's part of the desktop.
 struct AppKit {
   Ref<Application> application;
   bool isTerminated = false;
   /// Not owned: each leaves when it goes.
   std::vector<StatusItem*> statusItems;
-  /// Open alerts, the front one last. Each is kept by whoever runs it.
-  std::vector<Alert*> alerts;
+  /// The windows on the screen, the front one last. Not owned: each leaves when it goes.
+  std::vector<Window*> windows;
+  /// Open alerts and panels, the front one last.
+  std::vector<ModalSession*> modalSessions;
 
   Menu* statusMenu() const;
-  Alert* frontAlert() const { return alerts.empty() ? nullptr : alerts.back(); }
+  /// Null without one.
+  Window* frontWindow() const { return windows.empty() ? nullptr : windows.back(); }
+  Object* frontModal() const { return modalSessions.empty() ? nullptr : modalSessions.back()->shown; }
+  Alert* frontAlert() const { return ifIs<Alert>(frontModal()); }
+  OpenPanel* frontPanel() const { return ifIs<OpenPanel>(frontModal()); }
+
+  /// Shows an alert or panel, of which `fact` tells. Returns once it is answered, or with -1001 when the user has
+  /// nothing more to do.
+  NSInteger runModal(Object& shown, const Fact& fact);
+  /// Answers the front one; `told` is what the trace tells of it.
+  void answerModal(NSInteger answer, const std::string& told) const;
 };
 
-/// Blocks until the session is answered, or with -1001 until the user has nothing more to do.
-NSInteger runModalSession(ModalSession& session);
+/// Sends the delegate a notification that it may have no method for.
+void tellDelegate(id delegate, const char* selector);
 
 /// What the Finder does with a key that it receives: Return begins or ends renaming, Escape ends it, Command-Delete
 /// moves the selection to the Bin.

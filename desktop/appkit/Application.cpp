@@ -1,15 +1,10 @@
 #include "desktop/appkit/AppKit.hpp"
+#include "desktop/appkit/Constraints.hpp"
 
 namespace desktop {
 namespace {
 
 struct Notification : Object {};
-
-void tellDelegate(id delegate, const char* selector) {
-  if (delegate == nullptr || !respondsTo(delegate, selector)) return;
-  const auto notification = create<Notification>();
-  platform::wire::call<void, id>(delegate, sel_registerName(selector), notification.get());
-}
 
 Application* sharedApplication() {
   Ref<Application>& application = Desktop::current().appKit->application;
@@ -18,6 +13,12 @@ Application* sharedApplication() {
 }
 
 } // namespace
+
+void tellDelegate(id delegate, const char* selector) {
+  if (delegate == nullptr || !respondsTo(delegate, selector)) return;
+  const auto notification = create<Notification>();
+  platform::wire::call<void, id>(delegate, sel_registerName(selector), notification.get());
+}
 
 void Application::setDelegate(id value) {
   if (value != nullptr && !conformsTo(value, "NSApplicationDelegate")) {
@@ -55,12 +56,20 @@ void Application::activateIgnoringOtherApps(BOOL /*ignoring*/) {
   Desktop::current().tarnwick->activateWithOptions(0);
 }
 
-NSInteger runModalSession(ModalSession& session) {
+NSInteger AppKit::runModal(Object& shown, const Fact& fact) {
   constexpr NSInteger NSModalResponseAbort = -1001;
   Desktop& desktop = Desktop::current();
-  session.answer.reset();
+  ModalSession session{&shown, std::nullopt};
+  modalSessions.push_back(&session);
+  desktop.journal(fact);
   desktop.serve([&] { return session.answer || desktop.inputEnded; });
+  modalSessions.pop_back();
   return session.answer.value_or(NSModalResponseAbort);
+}
+
+void AppKit::answerModal(NSInteger answer, const std::string& told) const {
+  modalSessions.back()->answer = answer;
+  Desktop::current().journal({"answer", told});
 }
 
 void registerAppKitClasses() {
@@ -73,6 +82,13 @@ void registerAppKitClasses() {
       .method<"terminate:", &Application::terminate>()
       .method<"activateIgnoringOtherApps:", &Application::activateIgnoringOtherApps>();
   registerImageClass();
+  registerAppearanceClasses();
+  registerConstraintClasses();
+  registerViewClasses();
+  registerControlClasses();
+  registerContainerClasses();
+  registerWindowClasses();
+  registerOpenPanelClasses();
   registerStatusBarClasses();
   registerAlertClass();
 }

@@ -10,21 +10,46 @@ bool isImage(std::string_view bytes) {
   return bytes.substr(0, 8) == "\x89PNG\r\n\x1a\n" || bytes.substr(0, 4) == "icns";
 }
 
+std::string contentsOf(const std::string& path) {
+  if (!std::filesystem::is_regular_file(path)) return {}; // reading a folder throws
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+Ref<String> iconName() {
+  registerClasses();
+  return string(u"NSApplicationIcon");
+}
+
 } // namespace
 
 Image* Image::initWithContentsOfURL(URL* url) {
-  std::ifstream stream(url->path, std::ios::binary);
-  bytes.assign(std::istreambuf_iterator<char>(stream), {});
+  bytes = contentsOf(url->path);
   if (isImage(bytes)) return this;
   release(this);
   return nullptr;
 }
 
+Ref<Image> Image::imageNamed(String* name) {
+  if (!name->isEqualToString(iconName().get())) return nullptr;
+  auto image = create<Image>();
+  const auto file =
+      Desktop::current().mainBundle->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
+  if (file) image->bytes = contentsOf(file->path);
+  return image;
+}
+
 void registerImageClass() {
   NativeClass<Image>("NSImage", "NSObject")
+      .classMethod<"imageNamed:", &Image::imageNamed>()
       .method<"initWithContentsOfURL:", &Image::initWithContentsOfURL>()
       .method<"setTemplate:", &Image::setTemplate>()
       .method<"setSize:", &Image::setSize>();
 }
 
 } // namespace desktop
+
+extern "C" {
+extern const id NSImageNameApplicationIcon;
+const id NSImageNameApplicationIcon = desktop::iconName().detach();
+}

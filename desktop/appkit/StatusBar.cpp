@@ -63,10 +63,7 @@ void registerStatusBarClasses() {
       .method<"setEnabled:", &MenuItem::setEnabled>()
       .method<"setTitle:", &MenuItem::setTitle>();
   NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
-  NativeClass<StatusBarButton>("NSStatusBarButton", "NSObject")
-      .method<"setImage:", &StatusBarButton::setImage>()
-      .method<"setImagePosition:", &StatusBarButton::setImagePosition>()
-      .method<"setTitle:", &StatusBarButton::setTitle>();
+  NativeClass<StatusBarButton>("NSStatusBarButton", "NSButton");
   NativeClass<StatusItem>("NSStatusItem", "NSObject")
       .method<"button", &StatusItem::button>()
       .method<"setMenu:", &StatusItem::setMenu>();

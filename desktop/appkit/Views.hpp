@@ -4,16 +4,16 @@
 /// coordinates: y runs upwards unless the superview is flipped. `Layout.hpp` gives them, and tells them from the top.
 #pragma once
 
+#include "desktop/appkit/ConstraintSolver.hpp"
 #include "desktop/appkit/FontMetrics.hpp"
 #include "desktop/appkit/Image.hpp"
 
 #include <deque>
+#include <functional>
 
 namespace desktop {
 
-struct Anchor;
 struct Constraint;
-struct StackView;
 struct Window;
 
 struct Color : Object {
@@ -66,6 +66,7 @@ struct View : Object {
   /// Active constraints between this view, its subviews or both.
   std::vector<Ref<Constraint>> constraints;
 
+  View();
   ~View();
   View* initWithFrame(CGRect value);
   View* initWithCoder(id /*coder*/) { return this; }
@@ -84,6 +85,8 @@ struct View : Object {
   void setIdentifier(String* value) { itsIdentifier = shared(value); }
   String* identifier() const { return itsIdentifier.get(); }
   void setCompressionResistance(float priority, NSInteger axis) { compressionResistance[axis] = priority; }
+  /// Defined with the anchors.
+  template <class Anchor, Axis axis, Edge edge> Ref<Anchor> anchor();
 };
 
 /// A view that the user acts on, or that shows one value.
@@ -210,14 +213,8 @@ struct ScrollView : View {
   CGSize contentSize() const;
 };
 
-/// Whether y runs downwards in the view: asked by message, since the program's own views answer too.
-bool isFlipped(const View& view);
-
-/// Where the view is, from the top left corner of its window's content.
-CGRect frameFromTop(const View& view);
-
-/// The first button with that title, and so on, in the order in which they were put in; null when there is none.
-Button* buttonTitled(View& inside, const std::string& title, std::uint64_t& row);
+/// All views inside and the view itself, each before those inside it and in the order in which they were put in.
+void forEachView(View& view, const std::function<void(View&)>& visit);
 
 void registerAppearanceClasses();
 void registerViewClasses();

@@ -1,0 +1,133 @@
+#include "desktop/appkit/ConstraintSolver.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+namespace {
+
+Amount operator+(Amount one, Amount other) {
+  return {one.fixed + other.fixed, one.share + other.share};
+}
+Amount operator*(Amount one, double factor) {
+  return {one.fixed * factor, one.share * factor};
+}
+
+/// An edge is so many starts and so many lengths of its box.
+struct Weights {
+  double start;
+  double length;
+};
+
+Weights weightsOf(Edge edge) {
+  switch (edge) {
+  case Edge::Start:
+    return {1, 0};
+  case Edge::Centre:
+    return {1, 0.5};
+  case Edge::End:
+    return {1, 1};
+  default:
+    return {0, 1};
+  }
+}
+
+struct Known {
+  Edge edge;
+  Amount value;
+};
+
+/// From any two different edges of a box.
+Span spanOf(const Known& one, const Known& other) {
+  const Weights a = weightsOf(one.edge);
+  const Weights b = weightsOf(other.edge);
+  const double determinant = a.start * b.length - b.start * a.length;
+  return {(one.value * b.length + other.value * -a.length) * (1 / determinant),
+          (other.value * a.start + one.value * -b.start) * (1 / determinant)};
+}
+
+class Solver {
+public:
+  explicit Solver(const std::vector<std::optional<double>>& wantedLengths)
+      : wanted(wantedLengths), known(wanted.size()) {
+    learn(0, Edge::Start, {});
+    learn(0, Edge::Length, {0, 1});
+  }
+
+  Solution run(std::vector<Relation> relations) {
+    while (true) {
+      if (std::erase_if(relations, [&](const Relation& relation) { return follow(relation); }) != 0) continue;
+      if (!assume()) break;
+    }
+    for (const auto& box : known)
+      solution.spans.push_back(spanOf(box[0], box[1]));
+    return std::move(solution);
+  }
+
+private:
+  std::optional<Amount> valueOf(std::size_t box, Edge edge) const {
+    const std::vector<Known>& edges = known[box];
+    for (const Known& each : edges) {
+      if (each.edge == edge) return each.value;
+    }
+    if (edges.size() < 2) return std::nullopt;
+    const Span span = spanOf(edges[0], edges[1]);
+    const Weights weights = weightsOf(edge);
+    return span.start * weights.start + span.length * weights.length;
+  }
+
+  void learn(std::size_t box, Edge edge, Amount value) {
+    if (const auto before = valueOf(box, edge)) return require(value, *before);
+    known[box].push_back({edge, value});
+    if (box == 0 || known[box].size() < 2 || !wanted[box]) return;
+    const Amount length = spanOf(known[box][0], known[box][1]).length;
+    if (length.share > 0) require(length, {*wanted[box], 0});
+  }
+
+  /// Both are to be the same: only a certain length of the container can bring that about, if any.
+  void require(Amount one, Amount other) {
+    if (one.share == other.share) return;
+    const double length = (other.fixed - one.fixed) / (one.share - other.share);
+    solution.least = std::max(solution.least.value_or(length), length);
+  }
+
+  /// False while neither side is known.
+  bool follow(const Relation& relation) {
+    if (!relation.second) {
+      learn(relation.first, relation.firstEdge, {relation.constant, 0});
+      return true;
+    }
+    if (const auto value = valueOf(*relation.second, relation.secondEdge)) {
+      learn(relation.first, relation.firstEdge, *value + Amount{relation.constant, 0});
+      return true;
+    }
+    if (const auto value = valueOf(relation.first, relation.firstEdge)) {
+      learn(*relation.second, relation.secondEdge, *value + Amount{-relation.constant, 0});
+      return true;
+    }
+    return false;
+  }
+
+  /// Gives one box what no relation gives it: its wanted length, then a place at the start. False when all is known.
+  bool assume() {
+    for (std::size_t box = 0; box < known.size(); ++box) {
+      if (known[box].size() == 2) continue;
+      const bool hasLength = valueOf(box, Edge::Length).has_value();
+      learn(box, hasLength ? Edge::Start : Edge::Length, hasLength ? Amount{} : Amount{wanted[box].value_or(0), 0});
+      return true;
+    }
+    return false;
+  }
+
+  const std::vector<std::optional<double>>& wanted;
+  /// Up to two edges of each box: they determine it.
+  std::vector<std::vector<Known>> known;
+  Solution solution;
+};
+
+} // namespace
+
+Solution solve(const std::vector<std::optional<double>>& wantedLengths, std::vector<Relation> relations) {
+  return Solver(wantedLengths).run(std::move(relations));
+}
+
+} // namespace desktop

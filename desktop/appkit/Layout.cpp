@@ -1,0 +1,208 @@
+#include "desktop/appkit/Layout.hpp"
+
+#include "desktop/appkit/Constraints.hpp"
+
+#include <algorithm>
+#include <numeric>
+
+namespace desktop {
+namespace {
+
+double along(CGSize size, Axis axis) {
+  return axis == Axis::Horizontal ? size.width : size.height;
+}
+
+/// Height of what `view` is measured in from the top.
+double heightAround(const View& view) {
+  return view.superview != nullptr ? view.superview->frame.size.height : 0;
+}
+
+bool isMeasuredFromTop(const View& view) {
+  return view.superview == nullptr || isFlipped(*view.superview);
+}
+
+double topOf(const View& view) {
+  const CGRect& frame = view.frame;
+  return isMeasuredFromTop(view) ? frame.origin.y : heightAround(view) - frame.origin.y - frame.size.height;
+}
+
+/// `start` counts from the left or from the top.
+void setSpan(View& view, Axis axis, double start, double length) {
+  length = std::max(0.0, length);
+  CGRect& frame = view.frame;
+  if (axis == Axis::Horizontal) {
+    frame.origin.x = start;
+    frame.size.width = length;
+  } else {
+    frame.origin.y = isMeasuredFromTop(view) ? start : heightAround(view) - start - length;
+    frame.size.height = length;
+  }
+}
+
+/// The length that a constraint of the view alone demands.
+std::optional<double> demandedLength(const View& view, Axis axis) {
+  for (const auto& constraint : view.constraints) {
+    if (constraint->axis == axis && constraint->first == &view && constraint->second == nullptr) {
+      return constraint->constant;
+    }
+  }
+  return std::nullopt;
+}
+
+/// What the constraints in one container say along one axis, for the solver.
+class Ties {
+public:
+  Ties(View& container, Axis along) : axis(along) {
+    boxOf(&container);
+    wanted.front().reset();
+    for (const auto& constraint : container.constraints) {
+      if (constraint->axis == axis && constraint->second != nullptr) add(*constraint);
+    }
+  }
+
+  Solution solved() const { return solve(wanted, relations); }
+  View* view(std::size_t box) const { return views[box]; }
+
+private:
+  void add(const Constraint& constraint) {
+    const std::size_t first = boxOf(constraint.first);
+    relations.push_back({first, constraint.firstEdge, boxOf(constraint.second), constraint.secondEdge,
+                         constraint.constant});
+  }
+
+  std::size_t boxOf(View* view) {
+    const auto found = std::find(views.begin(), views.end(), view);
+    if (found != views.end()) return static_cast<std::size_t>(found - views.begin());
+    const std::size_t box = views.size();
+    views.push_back(view);
+    wanted.push_back(box == 0 ? std::nullopt : fittingLength(*view, axis));
+    if (box != 0) fix(box);
+    return box;
+  }
+
+  /// What a view has from elsewhere than its container's constraints.
+  void fix(std::size_t box) {
+    const View& view = *views[box];
+    if (view.translatesMask) {
+      const double start = axis == Axis::Horizontal ? view.frame.origin.x : topOf(view);
+      relations.push_back({box, Edge::Start, std::nullopt, Edge::Start, start});
+      relations.push_back({box, Edge::Length, std::nullopt, Edge::Length, desktop::along(view.frame.size, axis)});
+    } else if (const auto length = demandedLength(view, axis)) {
+      relations.push_back({box, Edge::Length, std::nullopt, Edge::Length, *length});
+    }
+  }
+
+  Axis axis;
+  std::vector<View*> views;
+  std::vector<std::optional<double>> wanted;
+  std::vector<Relation> relations;
+};
+
+void placeTied(View& view, Axis axis) {
+  const Ties ties(view, axis);
+  const Solution solution = ties.solved();
+  const double length = along(view.frame.size, axis);
+  for (std::size_t box = 1; box < solution.spans.size(); ++box) {
+    const Span& span = solution.spans[box];
+    setSpan(*ties.view(box), axis, span.start.in(length), span.length.in(length));
+  }
+}
+
+double stackLength(const StackView& stack, Axis axis) {
+  double sum = stack.arranged.empty() ? 0 : stack.spacing * static_cast<double>(stack.arranged.size() - 1);
+  double longest = 0;
+  for (View* view : stack.arranged) {
+    const double length = fittingLength(*view, axis).value_or(0);
+    sum += length;
+    longest = std::max(longest, length);
+  }
+  return axis == stack.orientation ? sum : longest;
+}
+
+/// Takes what is too much from the views that hold their content least. At the platform's default of 750 they hold it
+/// against the stack, and stand out at its end.
+void shorten(const StackView& stack, std::vector<double>& lengths, double excess) {
+  constexpr float holdsContent = 750;
+  const auto resistance = [&](std::size_t index) {
+    return stack.arranged[index]->compressionResistance[static_cast<int>(stack.orientation)];
+  };
+  std::vector<std::size_t> order(lengths.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::erase_if(order, [&](std::size_t index) { return resistance(index) >= holdsContent; });
+  std::stable_sort(order.begin(), order.end(), [&](auto one, auto other) { return resistance(one) < resistance(other); });
+  for (const std::size_t index : order) {
+    const double taken = std::clamp(excess, 0.0, lengths[index]);
+    lengths[index] -= taken;
+    excess -= taken;
+  }
+}
+
+void placeAlong(const StackView& stack) {
+  const Axis axis = stack.orientation;
+  std::vector<double> lengths;
+  double sum = -stack.spacing;
+  for (View* view : stack.arranged) {
+    lengths.push_back(fittingLength(*view, axis).value_or(0));
+    sum += lengths.back() + stack.spacing;
+  }
+  shorten(stack, lengths, sum - along(stack.frame.size, axis));
+  double start = 0;
+  for (std::size_t index = 0; index < lengths.size(); ++index) {
+    setSpan(*stack.arranged[index], axis, start, lengths[index]);
+    start += lengths[index] + stack.spacing;
+  }
+}
+
+/// A view without a width of its own is as wide as its column, as a separator is; likewise for heights in a row.
+void placeAcross(const StackView& stack, Axis axis) {
+  constexpr NSInteger leading = 5;
+  const double room = along(stack.frame.size, axis);
+  for (View* view : stack.arranged) {
+    const double length = std::min(fittingLength(*view, axis).value_or(room), room);
+    setSpan(*view, axis, stack.alignment == leading ? 0 : (room - length) / 2, length);
+  }
+}
+
+void place(View& view, Axis axis) {
+  if (const auto* stack = ifIs<StackView>(&view)) {
+    axis == stack->orientation ? placeAlong(*stack) : placeAcross(*stack, axis);
+  } else if (const auto* scroll = ifIs<ScrollView>(&view)) {
+    setSpan(*scroll->clip, axis, 0, along(scroll->frame.size, axis));
+  } else if (!view.constraints.empty()) {
+    placeTied(view, axis);
+  }
+  for (const auto& subview : view.subviews)
+    place(*subview, axis);
+}
+
+} // namespace
+
+void layOut(View& view) {
+  place(view, Axis::Horizontal);
+  place(view, Axis::Vertical);
+}
+
+std::optional<double> fittingLength(View& view, Axis axis) {
+  if (const auto length = demandedLength(view, axis)) return length;
+  if (const auto* stack = ifIs<StackView>(&view)) return stackLength(*stack, axis);
+  static const SEL intrinsicContentSize = sel_registerName("intrinsicContentSize");
+  const double intrinsic = along(platform::wire::call<CGSize>(&view, intrinsicContentSize), axis);
+  if (intrinsic >= 0) return intrinsic;
+  return view.constraints.empty() ? std::nullopt : Ties(view, axis).solved().least;
+}
+
+bool isFlipped(View& view) {
+  static const SEL isFlipped = sel_registerName("isFlipped");
+  return platform::wire::call<BOOL>(&view, isFlipped);
+}
+
+CGRect frameFromTop(View& view) {
+  CGRect frame{{0, 0}, view.frame.size};
+  for (const View* each = &view; each->superview != nullptr; each = each->superview) {
+    frame.origin.x += each->frame.origin.x;
+    frame.origin.y += topOf(*each);
+  }
+  return frame;
+}
+
+} // namespace desktop

@@ -1,0 +1,86 @@
+#include "desktop/appkit/Constraints.hpp"
+#include "desktop/appkit/Layout.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+
+View::View() = default;
+
+View::~View() {
+  for (const auto& subview : subviews)
+    subview->superview = nullptr;
+}
+
+View* View::initWithFrame(CGRect value) {
+  frame = value;
+  return this;
+}
+
+CGSize View::fittingSize() {
+  return {fittingLength(*this, Axis::Horizontal).value_or(0), fittingLength(*this, Axis::Vertical).value_or(0)};
+}
+
+void View::layoutSubtreeIfNeeded() {
+  layOut(*this);
+}
+
+void View::addSubview(View* view) {
+  if (view == nullptr) stop("nothing (nil) was added to a " + isa->name);
+  const auto kept = shared(view);
+  view->removeFromSuperview();
+  view->superview = this;
+  subviews.push_back(kept);
+}
+
+void View::removeFromSuperview() {
+  if (superview == nullptr) return;
+  View& container = *std::exchange(superview, nullptr);
+  if (auto* const stack = ifIs<StackView>(&container)) stack->removeArrangedSubview(this);
+  std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
+  const auto isThis = [&](const auto& each) { return each.get() == this; };
+  // The last act: it may have been the last reference.
+  const auto kept = shared(this);
+  container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
+}
+
+void View::setWantsLayer(BOOL value) {
+  if (value && !itsLayer) itsLayer = create<Layer>();
+}
+
+void forEachView(View& view, const std::function<void(View&)>& visit) {
+  visit(view);
+  for (const auto& subview : view.subviews)
+    forEachView(*subview, visit);
+}
+
+void registerViewClasses() {
+  constexpr auto across = Axis::Horizontal;
+  constexpr auto down = Axis::Vertical;
+  NativeClass<View>("NSView", "NSObject")
+      .method<"initWithFrame:", &View::initWithFrame>()
+      .method<"initWithCoder:", &View::initWithCoder>()
+      .method<"isFlipped", &View::isFlipped>()
+      .method<"intrinsicContentSize", &View::intrinsicContentSize>()
+      .method<"setTranslatesAutoresizingMaskIntoConstraints:", &View::setTranslatesMask>()
+      .method<"setAutoresizingMask:", &View::setAutoresizingMask>()
+      .method<"setFrame:", &View::setFrame>()
+      .method<"fittingSize", &View::fittingSize>()
+      .method<"layoutSubtreeIfNeeded", &View::layoutSubtreeIfNeeded>()
+      .method<"addSubview:", &View::addSubview>()
+      .method<"removeFromSuperview", &View::removeFromSuperview>()
+      .method<"setWantsLayer:", &View::setWantsLayer>()
+      .method<"layer", &View::layer>()
+      .method<"setIdentifier:", &View::setIdentifier>()
+      .method<"identifier", &View::identifier>()
+      .method<"setContentCompressionResistancePriority:forOrientation:", &View::setCompressionResistance>()
+      .method<"leadingAnchor", &View::anchor<XAxisAnchor, across, Edge::Start>>()
+      .method<"trailingAnchor", &View::anchor<XAxisAnchor, across, Edge::End>>()
+      .method<"centerXAnchor", &View::anchor<XAxisAnchor, across, Edge::Centre>>()
+      .method<"topAnchor", &View::anchor<YAxisAnchor, down, Edge::Start>>()
+      .method<"bottomAnchor", &View::anchor<YAxisAnchor, down, Edge::End>>()
+      .method<"widthAnchor", &View::anchor<Dimension, across, Edge::Length>>()
+      .method<"heightAnchor", &View::anchor<Dimension, down, Edge::Length>>();
+}
+
+} // namespace desktop
