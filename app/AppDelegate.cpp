@@ -1,6 +1,7 @@
 #include "app/AppDelegate.hpp"
 
 #include "app/AccessibilityPermissions.hpp"
+#include "app/Updates.hpp"
 #include "platform/Application.hpp"
 #include "platform/RuntimeClass.hpp"
 
@@ -51,6 +52,7 @@ void AppDelegate::applicationDidFinishLaunching(id /*notification*/) {
   const auto application = NSApplication::sharedApplication();
   application.setActivationPolicy(NSApplicationActivationPolicyAccessory);
   setupMenu();
+  setupUpdater();
 
   if (!AccessibilityPermissions::ensure()) AccessibilityPermissions::showAlert();
   if (!remapper->start()) {
@@ -93,6 +95,15 @@ void AppDelegate::setupMenu() {
   statusItem.setMenu(menu);
 }
 
+void AppDelegate::setupUpdater() {
+  const auto bundle = NSBundle::mainBundle();
+  if (isConfiguredForUpdates(bundle)) updaterController = startUpdater(bundle);
+  if (!updaterController) return;
+  checkForUpdatesItem.setTarget(updaterController.object());
+  checkForUpdatesItem.setAction(selectorNamed<"checkForUpdates:">());
+  checkForUpdatesItem.setEnabled(YES);
+}
+
 void AppDelegate::showToggleTitle() const {
   toggleItem.setTitle(NSString::utf8(remapper->enabled ? disableTitle : enableTitle));
 }
@@ -104,7 +115,9 @@ void AppDelegate::toggleRemap() {
 
 void AppDelegate::openMappings() {}
 
-void AppDelegate::checkForUpdates() {}
+void AppDelegate::checkForUpdates() {
+  updaterController.checkForUpdates();
+}
 
 void AppDelegate::openDeveloper() {
   if (const NSURL url = NSURL::URLWithString(NSString::utf8(developerAddress))) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/StatusBar.hpp"
+#include "platform/Updater.hpp"
 #include "remap/KeyRemapper.hpp"
 
 namespace tarnwick {
@@ -30,12 +31,13 @@ private:
 
   std::shared_ptr<KeyRemapper> remapper = std::make_shared<KeyRemapper>();
   /// Absent unless the bundle is configured for updates.
-  platform::NSObject updaterController;
+  platform::SPUStandardUpdaterController updaterController;
   platform::NSStatusItem statusItem;
   platform::NSMenuItem checkForUpdatesItem;
   platform::NSMenuItem toggleItem;
 
   void setupMenu();
+  void setupUpdater();
   [[nodiscard]] platform::NSMenuItem makeItem(const char* title, SEL action, const char* keyEquivalent = "") const;
   void showToggleTitle() const;
 };

@@ -10,6 +10,7 @@ extern "C" {
 using Boolean = unsigned char;
 using CFIndex = long;
 using CFTypeID = unsigned long;
+using CFHashCode = unsigned long;
 using CFTypeRef = const void*;
 using CFAllocatorRef = const struct __CFAllocator*;
 using CFStringRef = const struct __CFString*;
@@ -25,6 +26,8 @@ extern const CFRunLoopMode kCFRunLoopCommonModes;
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
+Boolean CFEqual(CFTypeRef one, CFTypeRef other);
+CFHashCode CFHash(CFTypeRef object);
 
 /// Null when no source could be made.
 CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef allocator, CFMachPortRef port, CFIndex order);

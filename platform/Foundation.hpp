@@ -31,10 +31,6 @@ public:
   [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
 
   [[nodiscard]] NSUInteger length() const { return send<"length", NSUInteger>(*this); }
-  [[nodiscard]] NSUInteger hash() const { return send<"hash", NSUInteger>(*this); }
-  [[nodiscard]] bool isEqualToString(const NSString& other) const {
-    return send<"isEqualToString:", BOOL>(*this, other);
-  }
   [[nodiscard]] bool containsString(const NSString& part) const { return send<"containsString:", BOOL>(*this, part); }
   [[nodiscard]] std::u16string characters() const {
     std::u16string units(length(), u'\0');
@@ -54,8 +50,21 @@ public:
     return send<"precomposedStringWithCanonicalMapping", NSString>(*this);
   }
 
-  friend bool operator==(const NSString& one, const NSString& other) { return one.isEqualToString(other); }
+  friend bool operator==(const NSString& one, const NSString& other) {
+    if (!one || !other) return one.object() == other.object();
+    return CFEqual(one.object(), other.object()) != 0;
+  }
 };
+
+/// For hash tables of strings. The CoreFoundation calls do without the look-up of a message.
+struct NSStringHash {
+  std::size_t operator()(const NSString& text) const { return CFHash(text.object()); }
+};
+
+/// The object under its Objective-C name, shared.
+inline NSObject sharing(CFTypeRef reference) {
+  return {share, static_cast<id>(const_cast<void*>(reference))};
+}
 
 /// `value` when it is a string, else no string.
 inline NSString asString(const NSObject& value) {
@@ -106,6 +115,10 @@ public:
   static NSURL fileURLWithPath(const NSString& path) {
     return send<"fileURLWithPath:", NSURL>(theClass<"NSURL">, path);
   }
+
+  [[nodiscard]] NSURL URLByAppendingPathComponent(const NSString& name) const {
+    return send<"URLByAppendingPathComponent:", NSURL>(*this, name);
+  }
 };
 
 /// A folder with `Contents/Info.plist` and `Contents/Resources`.
@@ -121,6 +134,10 @@ public:
   [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
     return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
   }
+  /// The folder of the frameworks that came with the bundle.
+  [[nodiscard]] NSURL privateFrameworksURL() const { return send<"privateFrameworksURL", NSURL>(*this); }
+  /// Loads the bundle's code and with it its classes; false when there is none that can be loaded.
+  [[nodiscard]] bool load() const { return send<"load", BOOL>(*this); }
   /// Empty when there is no such resource.
   [[nodiscard]] NSURL URLForResource(const NSString& name, const NSString& extension) const {
     return send<"URLForResource:withExtension:", NSURL>(*this, name, extension);

@@ -50,7 +50,9 @@ template <class Type>
 concept Wrapper = std::derived_from<Type, NSObject>;
 
 template <Name name> SEL selectorNamed() {
-  static const SEL registered = sel_registerName(name.text);
+  // Not a guarded static: registering twice is harmless, and the key path stays short.
+  static SEL registered = nullptr;
+  if (registered == nullptr) registered = sel_registerName(name.text);
   return registered;
 }
 

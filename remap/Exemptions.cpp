@@ -38,7 +38,7 @@ struct SortKey {
 
 void KeyRemapper::loadExemptions() {
   const NSArray stored = NSUserDefaults::standardUserDefaults().arrayForKey(exemptionsDefaultsKey);
-  std::unordered_set<NSString, TextHash> loaded;
+  std::unordered_set<NSString, NSStringHash> loaded;
   for (NSUInteger index = 0; index < stored.count(); ++index) {
     const NSString bundleID = asString(stored.objectAtIndex(index));
     if (!bundleID) return;

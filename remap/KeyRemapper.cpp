@@ -16,10 +16,12 @@ CGEventRef KeyRemapper::handleEvent(CGEventTapProxy /*proxy*/, CGEventType type,
   const Key key{CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode), CGEventGetFlags(event)};
   if (isFrontmostExempt()) return event;
 
-  const std::optional<Key> rewritten = translate(key);
-  if (!rewritten) return event;
-  if (rewritten->flags != key.flags) CGEventSetFlags(event, rewritten->flags);
-  if (rewritten->code != key.code) CGEventSetIntegerValueField(event, kCGKeyboardEventKeycode, rewritten->code);
+  const Outcome outcome = translate(type, key);
+  if (outcome.kind == Outcome::Kind::Swallow) return nullptr;
+  if (outcome.kind == Outcome::Kind::Rewrite) {
+    CGEventSetFlags(event, outcome.key.flags);
+    CGEventSetIntegerValueField(event, kCGKeyboardEventKeycode, outcome.key.code);
+  }
   return event;
 }
 
@@ -32,27 +34,46 @@ bool KeyRemapper::isFrontmostExempt() const {
   return exemptBundleIDs.contains(bundleID);
 }
 
-/// The key to deliver instead, or none to let the event pass.
-std::optional<Key> KeyRemapper::translate(Key key) const {
-  if (isLockScreenShortcut(key)) return mapLockScreen ? std::optional(lockScreen(key)) : std::nullopt;
+/// The first rule that decides ends it.
+Outcome KeyRemapper::translate(CGEventType type, Key key) {
+  if (isLockScreenShortcut(key)) return mapLockScreen ? Outcome::rewrite(lockScreen(key)) : Outcome::pass();
+  if (const auto outcome = translateFinderDelete(type, key)) return *outcome;
+  if (const auto outcome = translateFinderRename(key)) return *outcome;
   if (mapAtQuoteSwap && (key.flags & primaryModifierFlags) == kCGEventFlagMaskShift) {
-    if (const auto other = swapped(key)) return other;
+    if (const auto other = swapped(key)) return Outcome::rewrite(*other);
   }
-  if ((key.flags & kCGEventFlagMaskControl) == 0) return std::nullopt;
+  if ((key.flags & kCGEventFlagMaskControl) == 0) return Outcome::pass();
   return translateControl(key);
 }
 
-std::optional<Key> KeyRemapper::translateControl(Key key) const {
+/// The desktop is asked before the key is looked at: the order of the questions is part of the behaviour.
+std::optional<Outcome> KeyRemapper::translateFinderDelete(CGEventType type, Key key) {
+  if (!mapFinderDeleteToBin || !isFinderFrontmost() || isTypingInEditableField()) return std::nullopt;
+  if (key.code != kVK_ForwardDelete || hasPrimaryModifier(key)) return std::nullopt;
+  if (!mapFinderDeleteConfirm) return Outcome::rewrite(finderDelete(key));
+  if (type == kCGEventKeyDown) promptFinderDeleteConfirmation();
+  return Outcome::swallow();
+}
+
+/// Also while a name is being edited.
+std::optional<Outcome> KeyRemapper::translateFinderRename(Key key) const {
+  if (!mapFinderRename || !isFinderFrontmost()) return std::nullopt;
+  if (key.code != kVK_F2 || hasPrimaryModifier(key)) return std::nullopt;
+  return Outcome::rewrite(finderRename(key));
+}
+
+Outcome KeyRemapper::translateControl(Key key) const {
   const auto code = static_cast<CGKeyCode>(key.code);
-  if (code != key.code) return std::nullopt;
+  if (code != key.code) return Outcome::pass();
   if (commandKeyCodes.contains(code)) {
-    if (!isMapped(code)) return std::nullopt;
-    return code == kVK_ANSI_Y ? redo(key) : Key{code, withoutControl(key.flags, kCGEventFlagMaskCommand)};
+    if (!isMapped(code)) return Outcome::pass();
+    return Outcome::rewrite(code == kVK_ANSI_Y ? redo(key)
+                                               : Key{code, withoutControl(key.flags, kCGEventFlagMaskCommand)});
   }
   if (mapWordSkip && optionKeyCodes.contains(code)) {
-    return Key{code, withoutControl(key.flags, kCGEventFlagMaskAlternate)};
+    return Outcome::rewrite({code, withoutControl(key.flags, kCGEventFlagMaskAlternate)});
   }
-  return std::nullopt;
+  return Outcome::pass();
 }
 
 bool KeyRemapper::isMapped(CGKeyCode commandKeyCode) const {

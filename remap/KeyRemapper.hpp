@@ -12,10 +12,6 @@
 
 namespace tarnwick {
 
-struct TextHash {
-  std::size_t operator()(const platform::NSString& text) const { return text.hash(); }
-};
-
 /// Watches the session's key events and rewrites them. One for the whole run, shared by the application delegate and
 /// the settings window; main thread only, so nothing is locked. The tap does not own it: whoever called `start()` calls
 /// `stop()` before letting go. Always held by a `std::shared_ptr`, so that a callback can hold it while it runs.
@@ -48,7 +44,7 @@ private:
   /// From the request for a confirmation until its alert has been answered.
   bool isDeleteConfirmationPending = false;
   const platform::NSString exemptionsDefaultsKey = platform::NSString::utf8("exemptBundleIDs");
-  std::unordered_set<platform::NSString, TextHash> exemptBundleIDs;
+  std::unordered_set<platform::NSString, platform::NSStringHash> exemptBundleIDs;
 
 public:
   /// The master switch: when off, every event passes unchanged.
@@ -83,9 +79,23 @@ private:
   static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
   CGEventRef handleEvent(CGEventTapProxy proxy, CGEventType type, CGEventRef event);
   [[nodiscard]] bool isFrontmostExempt() const;
-  [[nodiscard]] std::optional<Key> translate(Key key) const;
-  [[nodiscard]] std::optional<Key> translateControl(Key key) const;
+  Outcome translate(CGEventType type, Key key);
+  std::optional<Outcome> translateFinderDelete(CGEventType type, Key key);
+  [[nodiscard]] std::optional<Outcome> translateFinderRename(Key key) const;
+  [[nodiscard]] Outcome translateControl(Key key) const;
   [[nodiscard]] bool isMapped(CGKeyCode commandKeyCode) const;
+  [[nodiscard]] bool hasPrimaryModifier(Key key) const { return (key.flags & primaryModifierFlags) != 0; }
+
+  /// Whether the element with the keyboard focus, in whichever application, takes text. False when that cannot be
+  /// found out; waits for the application that holds the focus.
+  [[nodiscard]] bool isTypingInEditableField() const;
+  [[nodiscard]] bool isFinderFrontmost() const;
+
+  /// Asks, after the current event, whether the Finder's selection is to go to the Bin. One question at a time.
+  void promptFinderDeleteConfirmation();
+  /// Brings the Finder to the front and, a moment later, types its shortcut. Nothing happens when it does not run.
+  void activateFinderAndSendCommandDelete();
+
   void loadExemptions();
 };
 

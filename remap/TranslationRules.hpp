@@ -16,6 +16,19 @@ struct Key {
   bool operator==(const Key&) const = default;
 };
 
+/// What becomes of a key event.
+struct Outcome {
+  enum class Kind { Pass, Rewrite, Swallow };
+
+  Kind kind = Kind::Pass;
+  /// The key to deliver in the event's place; only of a rewrite.
+  Key key{};
+
+  static constexpr Outcome pass() { return {}; }
+  static constexpr Outcome rewrite(Key key) { return {Kind::Rewrite, key}; }
+  static constexpr Outcome swallow() { return {Kind::Swallow, {}}; }
+};
+
 /// The key codes that the rules know, by the platform's names for them.
 inline constexpr CGKeyCode kVK_ANSI_A = 0x00;
 inline constexpr CGKeyCode kVK_ANSI_S = 0x01;
@@ -67,11 +80,21 @@ constexpr Key redo(Key key) {
   return {kVK_ANSI_Z, withoutControl(key.flags, kCGEventFlagMaskCommand | kCGEventFlagMaskShift)};
 }
 
-/// Flags of a key that carries the fn bit by itself, without it and without the modifiers that it stands beside.
+/// Without the fn bit that a function key carries, and then without the modifiers beside it.
 constexpr CGEventFlags withoutFunction(CGEventFlags flags) {
   constexpr CGEventFlags cleared = kCGEventFlagMaskSecondaryFn | kCGEventFlagMaskCommand | kCGEventFlagMaskAlternate |
                                    kCGEventFlagMaskControl | kCGEventFlagMaskShift;
   return (flags & kCGEventFlagMaskSecondaryFn) != 0 ? flags & ~cleared : flags;
+}
+
+/// Forward Delete becomes the Finder's Command-Delete.
+constexpr Key finderDelete(Key key) {
+  return {kVK_Delete, withoutFunction(key.flags) | kCGEventFlagMaskCommand};
+}
+
+/// F2 becomes the Finder's Return.
+constexpr Key finderRename(Key key) {
+  return {kVK_Return, withoutFunction(key.flags)};
 }
 
 } // namespace tarnwick

@@ -1,3 +1,4 @@
+#include "desktop/appkit/Updater.hpp"
 #include "desktop/foundation/Foundation.hpp"
 #include "desktop/quartz/Desktop.hpp"
 
@@ -31,6 +32,7 @@ Ref<URL> fileURLWithPath(String* path) {
 }
 
 PropertyList readInformation(const std::filesystem::path& file) {
+  if (!std::filesystem::is_regular_file(file)) return PropertyList::Dictionary(); // reading a folder throws
   std::ifstream stream(file, std::ios::binary);
   const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
   auto reading = parsePropertyList(bytes);
@@ -85,6 +87,20 @@ Ref<URL> Bundle::URLForResource(String* name, String* extension) const {
   return std::filesystem::exists(file) ? fileURL(file.string()) : nullptr;
 }
 
+Ref<URL> URL::URLByAppendingPathComponent(String* name) const {
+  return fileURL(path + "/" + textOf(name));
+}
+
+Ref<URL> Bundle::privateFrameworksURL() const {
+  return fileURL((folder / "Contents" / "Frameworks").string());
+}
+
+BOOL Bundle::load() const {
+  const bool hasCode = std::filesystem::exists(folder / folder.stem());
+  if (hasCode && folder.filename() == "Sparkle.framework") registerUpdaterClass();
+  return hasCode;
+}
+
 Ref<Array> UserDefaults::arrayForKey(String* key) const {
   const PropertyList* value = file->value(key->text);
   if (value == nullptr || value->as<PropertyList::Array>() == nullptr) return nullptr;
@@ -99,6 +115,7 @@ void UserDefaults::setObject(Object* value, String* key) {
 
 void registerBundleClasses() {
   NativeClass<URL>("NSURL", "NSObject")
+      .method<"URLByAppendingPathComponent:", &URL::URLByAppendingPathComponent>()
       .classMethod<"URLWithString:", &URLWithString>()
       .classMethod<"fileURLWithPath:", &fileURLWithPath>();
   NativeClass<Bundle>("NSBundle", "NSObject")
@@ -106,7 +123,9 @@ void registerBundleClasses() {
       .method<"initWithURL:", &Bundle::initWithURL>()
       .method<"bundleIdentifier", &Bundle::bundleIdentifier>()
       .method<"objectForInfoDictionaryKey:", &Bundle::objectForInfoDictionaryKey>()
-      .method<"URLForResource:withExtension:", &Bundle::URLForResource>();
+      .method<"URLForResource:withExtension:", &Bundle::URLForResource>()
+      .method<"privateFrameworksURL", &Bundle::privateFrameworksURL>()
+      .method<"load", &Bundle::load>();
   NativeClass<UserDefaults>("NSUserDefaults", "NSObject")
       .classMethod<"standardUserDefaults", &standardUserDefaults>()
       .method<"arrayForKey:", &UserDefaults::arrayForKey>()

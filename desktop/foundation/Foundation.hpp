@@ -17,8 +17,8 @@ struct String : Object {
 
   String* initWithBytes(const void* bytes, NSUInteger length, NSUInteger encoding);
   NSUInteger length() const { return text.size(); }
-  NSUInteger hash() const { return std::hash<std::u16string_view>{}(text); }
-  BOOL isEqualToString(String* other) const { return other != nullptr && text == other->text; }
+  NSUInteger hash() const;
+  BOOL isEqualToString(String* other) const;
   BOOL containsString(String* part) const { return text.find(part->text) != std::u16string::npos; }
   void getCharacters(char16_t* units, NSRange range) const;
   Ref<String> stringByAppendingString(String* tail) const;
@@ -59,6 +59,8 @@ struct URL : Object {
   std::string text;
   /// A file URL's path; empty otherwise.
   std::string path;
+
+  Ref<URL> URLByAppendingPathComponent(String* name) const;
 };
 
 Ref<URL> fileURL(const std::string& path);
@@ -80,6 +82,9 @@ struct Bundle : Object {
   String* bundleIdentifier() const;
   Ref<Object> objectForInfoDictionaryKey(String* key) const;
   Ref<URL> URLForResource(String* name, String* extension) const;
+  Ref<URL> privateFrameworksURL() const;
+  /// Registers the classes of the one framework that the desktop knows; false for other bundles.
+  BOOL load() const;
 };
 
 struct UserDefaults : Object {

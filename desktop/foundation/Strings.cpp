@@ -1,6 +1,7 @@
 #include "desktop/foundation/Foundation.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace desktop {
 namespace {
@@ -40,6 +41,30 @@ String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger e
   return this;
 }
 
+NSUInteger String::hash() const {
+  // Eight bytes a step, each spread over the whole word.
+  constexpr NSUInteger prime = 0x9E3779B97F4A7C15;
+  const char* bytes = reinterpret_cast<const char*>(text.data());
+  std::size_t left = text.size() * sizeof(char16_t);
+  NSUInteger hash = left;
+  while (left > 0) {
+    NSUInteger chunk = 0;
+    const std::size_t taken = std::min(left, sizeof chunk);
+    std::memcpy(&chunk, bytes, taken);
+    hash = (hash ^ chunk) * prime;
+    hash ^= hash >> 32;
+    bytes += taken;
+    left -= taken;
+  }
+  return hash;
+}
+
+BOOL String::isEqualToString(String* other) const {
+  // Bytes at once: char_traits would compare unit by unit.
+  return other != nullptr && text.size() == other->text.size() &&
+         std::memcmp(text.data(), other->text.data(), text.size() * sizeof(char16_t)) == 0;
+}
+
 void String::getCharacters(char16_t* units, NSRange range) const {
   if (range.location + range.length > text.size()) stop("characters beyond the end of a string were asked for");
   std::copy_n(text.data() + range.location, range.length, units);
@@ -71,8 +96,6 @@ void registerStringClasses() {
   NativeClass<String>("NSString", "NSObject")
       .method<"initWithBytes:length:encoding:", &String::initWithBytes>()
       .method<"length", &String::length>()
-      .method<"hash", &String::hash>()
-      .method<"isEqualToString:", &String::isEqualToString>()
       .method<"containsString:", &String::containsString>()
       .method<"getCharacters:range:", &String::getCharacters>()
       .method<"stringByAppendingString:", &String::stringByAppendingString>()

@@ -10,6 +10,8 @@ namespace {
 
 Desktop* only = nullptr;
 
+[[noreturn, gnu::noinline]] void stopWithoutDesktop() { stop("there is no desktop to run on"); }
+
 struct Workspace : Object {
   static RunningApplication* frontmostApplication() {
     ++Desktop::current().queries.frontmost;
@@ -62,7 +64,7 @@ Desktop::~Desktop() {
 }
 
 Desktop& Desktop::current() {
-  if (only == nullptr) stop("there is no desktop to run on");
+  if (only == nullptr) stopWithoutDesktop();
   return *only;
 }
 

@@ -29,15 +29,9 @@ Registry& registry() {
   return *only;
 }
 
-struct Pool {
-  std::vector<id> waiting;
-  std::vector<std::size_t> marks;
-};
-
-Pool& pools() {
-  static auto* const only = new Pool;
-  return *only;
-}
+/// What waits for the end of a pool, oldest first. A pool is known by how many waited when it began.
+std::vector<id>* waiting = nullptr;
+std::size_t poolDepth = 0;
 
 const Method* findMethod(Class start, SEL selector) {
   for (Class cls = start; cls != nullptr; cls = cls->superclass) {
@@ -97,17 +91,35 @@ void addRootMethod(Class to, const char* selector, Result (*function)(id, SEL, A
                   platform::methodEncoding<Result, Arguments...>.text);
 }
 
+[[noreturn]] void stopAsReleased(const Object* object, const char* what) {
+  stop("a released " + object->isa->name + " was " + what);
+}
+
+// Out of line, like all that is rare, so that the key path stays short.
+[[gnu::noinline]] void endLife(Object* object) {
+  if (object->references < 0) stopAsReleased(object, "released again");
+  static const SEL selector = sel_registerName("dealloc");
+  const IMP method = desktop_methodFor(object, nullptr, selector, platform::methodEncoding<void>.text);
+  reinterpret_cast<void (*)(id, SEL)>(method)(object, selector);
+}
+
 /// Finds the method, or stops the program with what is wrong with the call.
-IMP checkedMethod(id receiver, Class cls, SEL selector, const std::string& encoding) {
+IMP checkedMethod(id receiver, Class cls, SEL selector, const char* encoding) {
   const std::string name = std::string("'") + selectorText(selector) + "'";
   if (receiver->isa->isReleased) stop("message " + name + " to a released " + receiver->isa->name);
   const Method* const method = findMethod(cls, selector);
-  if (method == nullptr) stop(describeReceiver(receiver) + " has no method " + name + " (called as " + encoding + ")");
+  if (method == nullptr) stop(describeReceiver(receiver) + " has no method " + name + " (called as " + std::string(encoding) + ")");
   if (method->encoding != encoding) {
     stop(name + " of " + describeReceiver(receiver) + " has the type " + method->encoding + " but was called as " +
          encoding);
   }
   return method->implementation;
+}
+
+[[gnu::noinline]] IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector,
+                               const char* encoding) {
+  entry = {selector, encoding, checkedMethod(receiver, cls, selector, encoding)};
+  return entry.implementation;
 }
 
 } // namespace
@@ -125,6 +137,10 @@ bool isKindOf(const objc_object* object, Class cls) {
   return false;
 }
 
+void checkKind(const objc_object* object, Class wanted) {
+  if (!isKindOf(object, wanted)) stop("a " + object->isa->name + " was given where a " + wanted->name + " is wanted");
+}
+
 bool respondsTo(id object, const char* selector) {
   return findMethod(object->isa, sel_registerName(selector)) != nullptr;
 }
@@ -137,22 +153,18 @@ bool conformsTo(id object, const std::string& protocol) {
 }
 
 Object* retain(Object* object) {
-  if (object->references++ <= 0) stop("a released " + object->isa->name + " was retained");
+  if (object->references++ <= 0) stopAsReleased(object, "retained");
   return object;
 }
 
 void release(Object* object) {
-  if (--object->references > 0) return;
-  if (object->references < 0) stop("a released " + object->isa->name + " was released again");
-  static const SEL dealloc = sel_registerName("dealloc");
-  const IMP method = desktop_methodFor(object, nullptr, dealloc, platform::methodEncoding<void>.text);
-  reinterpret_cast<void (*)(id, SEL)>(method)(object, dealloc);
+  if (--object->references <= 0) endLife(object);
 }
 
 id autorelease(id object) {
   if (object == nullptr) return nullptr;
-  if (pools().marks.empty()) stop("a " + object->isa->name + " was autoreleased outside of any pool");
-  pools().waiting.push_back(object);
+  if (poolDepth == 0) stop("a " + object->isa->name + " was autoreleased outside of any pool");
+  waiting->push_back(object);
   return object;
 }
 
@@ -217,8 +229,7 @@ IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encodi
   const Class cls = start != nullptr ? start : receiver->isa;
   objc_class::CacheEntry& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
   if (entry.selector == selector && entry.encoding == encoding) return entry.implementation;
-  entry = {selector, encoding, desktop::checkedMethod(receiver, cls, selector, encoding)};
-  return entry.implementation;
+  return desktop::remember(entry, receiver, cls, selector, encoding);
 }
 
 Class objc_getClass(const char* name) {
@@ -299,18 +310,17 @@ void objc_release(id object) {
 }
 
 void* objc_autoreleasePoolPush() {
-  desktop::Pool& pools = desktop::pools();
-  pools.marks.push_back(pools.waiting.size());
-  return &pools;
+  if (desktop::waiting == nullptr) desktop::waiting = new std::vector<id>;
+  ++desktop::poolDepth;
+  return reinterpret_cast<void*>(desktop::waiting->size());
 }
 
-void objc_autoreleasePoolPop(void*) {
-  desktop::Pool& pools = desktop::pools();
-  while (pools.waiting.size() > pools.marks.back()) {
-    const id object = pools.waiting.back();
-    pools.waiting.pop_back();
+void objc_autoreleasePoolPop(void* pool) {
+  while (desktop::waiting->size() > reinterpret_cast<std::size_t>(pool)) {
+    const id object = desktop::waiting->back();
+    desktop::waiting->pop_back();
     objc_release(object);
   }
-  pools.marks.pop_back();
+  --desktop::poolDepth;
 }
 }

@@ -133,11 +133,12 @@ template <class Type> Ref<Type> create() {
   return {platform::adopt, static_cast<Type*>(allocate(nativeClass<Type>))};
 }
 
+/// Stops the program unless `object` is of the class or of one derived from it.
+void checkKind(const objc_object* object, Class wanted);
+
 /// `object` as what a method asks for; stops the program when it is of another class.
 template <class Type> Type* as(id object) {
-  if (object != nullptr && !isKindOf(object, nativeClass<Type>)) {
-    stop("a " + object->isa->name + " was given where a " + nativeClass<Type>->name + " is wanted");
-  }
+  if (object != nullptr && object->isa != nativeClass<Type>) checkKind(object, nativeClass<Type>);
   return static_cast<Type*>(object);
 }
 

@@ -1,0 +1,30 @@
+#include "app/Updates.hpp"
+
+namespace tarnwick {
+
+using namespace platform;
+
+namespace {
+
+bool isPlaceholder(const NSString& value) {
+  return value.containsString(NSString::utf8("REPLACE_WITH"));
+}
+
+} // namespace
+
+bool isConfiguredForUpdates(const NSBundle& bundle) {
+  const NSString feed = asString(bundle.objectForInfoDictionaryKey(NSString::utf8("SUFeedURL")));
+  if (!feed) return false;
+  const NSString publicKey = asString(bundle.objectForInfoDictionaryKey(NSString::utf8("SUPublicEDKey")));
+  if (!publicKey) return false;
+  if (feed.length() == 0 || publicKey.length() == 0) return false;
+  return !isPlaceholder(feed) && !isPlaceholder(publicKey);
+}
+
+SPUStandardUpdaterController startUpdater(const NSBundle& bundle) {
+  const NSURL place = bundle.privateFrameworksURL().URLByAppendingPathComponent(NSString::utf8("Sparkle.framework"));
+  const NSBundle framework = place ? NSBundle::withURL(place) : NSBundle();
+  return framework.load() ? SPUStandardUpdaterController::makeStarted() : SPUStandardUpdaterController();
+}
+
+} // namespace tarnwick

@@ -1,0 +1,26 @@
+#include "desktop/appkit/Updater.hpp"
+
+#include "desktop/quartz/Desktop.hpp"
+
+namespace desktop {
+namespace {
+
+struct UpdaterController : Object {
+  UpdaterController* initWithStartingUpdater(BOOL starts, Object* /*updaterDelegate*/, Object* /*userDriverDelegate*/) {
+    if (starts) Desktop::current().journal({"updater", "started"});
+    return this;
+  }
+  static void checkForUpdates(Object* /*sender*/) { Desktop::current().journal({"updater", "check"}); }
+};
+
+} // namespace
+
+void registerUpdaterClass() {
+  if (nativeClass<UpdaterController> != nullptr) return;
+  NativeClass<UpdaterController>("SPUStandardUpdaterController", "NSObject")
+      .method<"initWithStartingUpdater:updaterDelegate:userDriverDelegate:",
+              &UpdaterController::initWithStartingUpdater>()
+      .method<"checkForUpdates:", &UpdaterController::checkForUpdates>();
+}
+
+} // namespace desktop
