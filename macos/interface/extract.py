@@ -75,6 +75,8 @@ class Extraction:
                 found[row[0].strip("<>"), row[1], signature[0]][project(row[5])] = signature[1:]
         self.learn_from_methods(found)
         for (name, kind, selector), signatures in found.items():
+            if selector in ("alloc", "new", "autorelease") and list(signatures) == ["darwinkit"]:
+                continue  # it repeats NSObject's for every class
             result, arguments = self.decided(signatures, f"{kind}[{name} {selector}]")
             yield name, kind, selector, result, "|".join(arguments), " ".join(sorted(signatures))
 
@@ -192,6 +194,8 @@ def constants(folder):
 def data(folder, notations):
     """Name, library and type of the exported variables."""
     for name, kind, framework in (row[:3] for row in rows(folder, "data.tsv")):
+        if framework == "QuartzCore":
+            continue
         yield name, {"Dispatch": "System"}.get(framework, framework), notations.rust(kind)
 
 
