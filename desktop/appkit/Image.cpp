@@ -33,8 +33,7 @@ Image* Image::initWithContentsOfURL(URL* url) {
 Ref<Image> Image::imageNamed(String* name) {
   if (!name->isEqualToString(iconName().get())) return nullptr;
   auto image = create<Image>();
-  const auto file =
-      Desktop::current().mainBundle->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
+  const auto file = Desktop::current().mainBundle->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
   if (file) image->bytes = contentsOf(file->path);
   return image;
 }

@@ -66,8 +66,8 @@ public:
 private:
   void add(const Constraint& constraint) {
     const std::size_t first = boxOf(constraint.first);
-    relations.push_back({first, constraint.firstEdge, boxOf(constraint.second), constraint.secondEdge,
-                         constraint.constant});
+    relations.push_back(
+        {first, constraint.firstEdge, boxOf(constraint.second), constraint.secondEdge, constraint.constant});
   }
 
   std::size_t boxOf(View* view) {
@@ -129,7 +129,8 @@ void shorten(const StackView& stack, std::vector<double>& lengths, double excess
   std::vector<std::size_t> order(lengths.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
   std::erase_if(order, [&](std::size_t index) { return resistance(index) >= holdsContent; });
-  std::stable_sort(order.begin(), order.end(), [&](auto one, auto other) { return resistance(one) < resistance(other); });
+  std::stable_sort(order.begin(), order.end(),
+                   [&](auto one, auto other) { return resistance(one) < resistance(other); });
   for (const std::size_t index : order) {
     const double taken = std::clamp(excess, 0.0, lengths[index]);
     lengths[index] -= taken;

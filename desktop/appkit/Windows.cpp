@@ -35,7 +35,8 @@ Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger /*
 }
 
 void Window::setDelegate(id value) {
-  if (value != nullptr && !conformsTo(value, "NSWindowDelegate")) stop("a " + value->isa->name + " is no NSWindowDelegate");
+  if (value != nullptr && !conformsTo(value, "NSWindowDelegate"))
+    stop("a " + value->isa->name + " is no NSWindowDelegate");
   delegate = value;
 }
 

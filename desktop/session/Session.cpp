@@ -1,6 +1,6 @@
 #include "desktop/session/Session.hpp"
 
-#include "desktop/appkit/AppKit.hpp"
+#include "desktop/session/WindowCommands.hpp"
 
 namespace desktop {
 namespace {
@@ -112,20 +112,40 @@ bool Session::carryOut(const Command& command) {
 }
 
 bool Session::carryOutOnProgram(const Command& command) {
-  Alert* const alert = desktop.appKit->frontAlert();
+  AppKit& appKit = *desktop.appKit;
   switch (command.verb) {
   case Verb::Tap:
     return desktop.server.disableTaps(command.word == Word::Timeout ? kCGEventTapDisabledByTimeout
                                                                     : kCGEventTapDisabledByUserInput);
-  case Verb::Menu:
-    return alert == nullptr && chooseFromMenu(command.title);
-  case Verb::Click:
-    return alert != nullptr && alert->press(command.title, command.row);
   case Verb::Show:
     return show(command.word);
+  case Verb::Click:
+    if (Alert* const alert = appKit.frontAlert()) return alert->press(command.title, command.row);
+    return appKit.frontModal() == nullptr && clickInWindow(desktop, command.title, command.row);
+  case Verb::Choose:
+    if (appKit.frontPanel() == nullptr) return false;
+    appKit.frontPanel()->choose(command.path);
+    return true;
+  case Verb::Cancel:
+    if (appKit.frontPanel() == nullptr) return false;
+    appKit.frontPanel()->cancel();
+    return true;
+  default:
+    return appKit.frontModal() == nullptr && carryOutUnlessBlocked(command);
+  }
+}
+
+bool Session::carryOutUnlessBlocked(const Command& command) {
+  AppKit& appKit = *desktop.appKit;
+  switch (command.verb) {
+  case Verb::Menu:
+    return chooseFromMenu(command.title);
+  case Verb::Close:
+    return closeWindow(appKit);
+  case Verb::Resize:
+    return resizeWindow(appKit, {command.size->width, command.size->height});
   case Verb::Quit:
-    if (alert != nullptr) return false;
-    desktop.appKit->application->terminate(nullptr);
+    appKit.application->terminate(nullptr);
     return true;
   default:
     return false;
@@ -150,6 +170,8 @@ bool Session::show(Word what) {
     if (desktop.appKit->frontAlert() == nullptr) return false;
     desktop.journal(desktop.appKit->frontAlert()->fact());
     return true;
+  case Word::Window:
+    return showWindow(desktop);
   case Word::Defaults:
     showDefaults();
     return true;

@@ -32,6 +32,8 @@ private:
   /// False when the command found nothing to act on.
   bool carryOut(const Command& command);
   bool carryOutOnProgram(const Command& command);
+  /// What an alert or panel keeps the user from.
+  bool carryOutUnlessBlocked(const Command& command);
   bool chooseFromMenu(const std::string& title);
   bool show(Word what);
   void showMenu() const;

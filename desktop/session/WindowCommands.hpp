@@ -1,0 +1,18 @@
+/// What the user does with the program's front window, and sees in it.
+#pragma once
+
+#include "desktop/appkit/AppKit.hpp"
+
+namespace desktop {
+
+// Each is false when there is no window, or nothing in it to act on.
+
+/// Presses the `row`th (from 1) button or checkbox of that title. That brings the program to the front.
+bool clickInWindow(Desktop& desktop, const std::string& title, std::uint64_t row);
+bool closeWindow(const AppKit& appKit);
+/// Drags the window to that content size, as far as it lets itself be dragged.
+bool resizeWindow(const AppKit& appKit, CGSize size);
+/// Tells of everything in the window that can be read or pressed, from top to bottom.
+bool showWindow(const Desktop& desktop);
+
+} // namespace desktop
