@@ -200,6 +200,19 @@ const char* selectorText(SEL selector) {
   return registry().selectorTexts.at(selector).c_str();
 }
 
+std::vector<RegisteredMethod> registeredMethods() {
+  std::vector<RegisteredMethod> all;
+  for (const auto& [name, cls] : registry().classes) {
+    const std::string superclass = cls->superclass != nullptr ? cls->superclass->name : "";
+    for (const bool isOfClass : {false, true}) {
+      for (const auto& [selector, method] : (isOfClass ? cls->isa : cls.get())->methods) {
+        all.push_back({name, superclass, isOfClass, selectorText(selector), method.encoding});
+      }
+    }
+  }
+  return all;
+}
+
 void sendAction(SEL selector, id target, id sender) {
   if (target == nullptr || selector == nullptr) return;
   const bool takesSender = std::strchr(selectorText(selector), ':') != nullptr;

@@ -125,6 +125,17 @@ long liveObjects(const std::string& className);
 std::vector<std::pair<std::string, long>> liveObjects();
 const char* selectorText(SEL selector);
 
+struct RegisteredMethod {
+  std::string owner;
+  /// Empty for the root class.
+  std::string superclass;
+  bool isOfClass;
+  std::string selector;
+  std::string encoding;
+};
+/// Everything that can be sent here, to be held against what the platform has.
+std::vector<RegisteredMethod> registeredMethods();
+
 /// The class that a C++ structure was registered as.
 template <class Type> inline Class nativeClass = nullptr;
 

@@ -7,8 +7,9 @@ import abi
 
 FACTS = Path(__file__).resolve().parent / "facts"
 OLDEST_SYSTEM = (13, 0)
-# A binding made from macOS 12's headers: what it records, macOS 13 has. The other bindings follow newer systems.
-OLD_BINDING = "darwinkit"
+# darwinkit was made from macOS 12's headers: what it records, macOS 13 has. The other bindings follow newer systems.
+# What belongs to the update framework comes with the application.
+CERTAIN = {"darwinkit", "Sparkle"}
 # Protocols whose methods a class answers besides its own and its superclasses'.
 ADOPTED = {"NSView": ["NSUserInterfaceItemIdentification"], "NSWindow": ["NSUserInterfaceItemIdentification"]}
 
@@ -120,7 +121,7 @@ class Facts:
         """Whether macOS 13 is known to have it."""
         if method.first_version:
             return method.first_version <= OLDEST_SYSTEM
-        return OLD_BINDING in method.bindings
+        return bool(CERTAIN & set(method.bindings))
 
 
 def close_to(name, known):

@@ -62,11 +62,15 @@ class Messages:
             yield self.unknown(message)
 
     def own_method(self, message):
-        """The method of the program's own class, or of its own superclass, that answers."""
-        for name in self.facts.ancestors(message.receiver) if message.kind == "-" else ():
-            if (name, message.selector) in self.own:
-                return self.own[name, message.selector]
-        return None
+        """The method of one of the program's own classes that answers. An object of such a class may be held as one of
+        its superclass, when the platform's class itself has no such method."""
+        if message.kind == "+" or not message.receiver:
+            return None
+        candidates = self.facts.ancestors(message.receiver)
+        if not self.facts.find(message.receiver, "-", message.selector):
+            candidates += [owner for owner, _ in self.own if self.facts.inherits(owner, message.receiver)]
+        return next((self.own[name, message.selector] for name in candidates
+                     if (name, message.selector) in self.own), None)
 
     def unknown(self, message):
         """Why there is nothing to hold the message against."""
@@ -168,9 +172,14 @@ class Messages:
         """Selectors that are handed on as actions: somebody must answer them."""
         answered = {method.selector for method in self.asked.methods}
         for selector, function in self.asked.actions.items():
-            if selector not in answered:
+            if selector not in answered and not self.is_platform_action(selector):
                 yield (f"no class of the program answers the action {selector}{close_to(selector, answered)} "
                        f"(named by {function})")
+
+    def is_platform_action(self, selector):
+        """Whether a class of the platform answers this as an action: with nothing, given the sender."""
+        found = [methods["-", selector] for methods in self.facts.methods.values() if ("-", selector) in methods]
+        return any(method.types == ["void", "id"] for method in found)
 
 
 class StandIn(Messages):
