@@ -10,7 +10,9 @@ namespace {
 
 Desktop* only = nullptr;
 
-[[noreturn, gnu::noinline]] void stopWithoutDesktop() { stop("there is no desktop to run on"); }
+[[noreturn, gnu::noinline]] void stopWithoutDesktop() {
+  stop("there is no desktop to run on");
+}
 
 struct Workspace : Object {
   static RunningApplication* frontmostApplication() {
@@ -112,7 +114,8 @@ void Desktop::serve(const std::function<bool()>& done) {
 }
 
 void Desktop::wait(double seconds) {
-  const auto end = queue.now + static_cast<std::int64_t>(seconds * 1e9);
+  constexpr double century = 3.2e9;
+  const auto end = queue.now + static_cast<std::int64_t>(std::min(seconds, century) * 1e9);
   settle();
   while (queue.now < end) {
     queue.now = queue.nextMoment(end);

@@ -66,6 +66,8 @@ public:
 
   /// Hears every fact, in the order in which things happen.
   std::function<void(const Fact&)> journal = [](const Fact&) {};
+  /// Hears what an application does of its own accord, as a sentence for people.
+  std::function<void(const std::string&)> remark = [](const std::string&) {};
   /// Does what the user does next; false when there is nothing more.
   std::function<bool()> nextCommand = [] { return false; };
 

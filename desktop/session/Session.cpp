@@ -7,7 +7,6 @@ namespace {
 
 void type(Desktop& desktop, CGEventType type, KeyStroke key) {
   desktop.server.type(type, key.code, key.flags);
-  desktop.settle();
 }
 
 bool bringToFront(Desktop& desktop, const std::optional<std::string>& name) {
@@ -81,6 +80,8 @@ bool Session::carryOut(const Command& command) {
     desktop.start(*command.name, command.bundleIdentifier.value_or(""), "AXGroup");
     return true;
   case Verb::End:
+    // The program does not just vanish: it is made to quit.
+    if (command.name == "Tarnwick" && desktop.tarnwick) return quit();
     return desktop.end(*command.name);
   case Verb::Front:
     return bringToFront(desktop, command.name);
@@ -106,6 +107,8 @@ bool Session::carryOut(const Command& command) {
   case Verb::Wait:
     desktop.wait(command.seconds);
     return true;
+  case Verb::Show:
+    return show(command.word);
   default:
     return !desktop.appKit->isTerminated && carryOutOnProgram(command);
   }
@@ -117,8 +120,6 @@ bool Session::carryOutOnProgram(const Command& command) {
   case Verb::Tap:
     return desktop.server.disableTaps(command.word == Word::Timeout ? kCGEventTapDisabledByTimeout
                                                                     : kCGEventTapDisabledByUserInput);
-  case Verb::Show:
-    return show(command.word);
   case Verb::Click:
     if (Alert* const alert = appKit.frontAlert()) return alert->press(command.title, command.row);
     return appKit.frontModal() == nullptr && clickInWindow(desktop, command.title, command.row);
@@ -145,11 +146,17 @@ bool Session::carryOutUnlessBlocked(const Command& command) {
   case Verb::Resize:
     return resizeWindow(appKit, {command.size->width, command.size->height});
   case Verb::Quit:
-    appKit.application->terminate(nullptr);
-    return true;
+    return quit();
   default:
     return false;
   }
+}
+
+bool Session::quit() {
+  const AppKit& appKit = *desktop.appKit;
+  if (appKit.isTerminated || appKit.frontModal() != nullptr) return false;
+  appKit.application->terminate(nullptr);
+  return true;
 }
 
 bool Session::chooseFromMenu(const std::string& title) {

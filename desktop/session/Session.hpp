@@ -34,6 +34,7 @@ private:
   bool carryOutOnProgram(const Command& command);
   /// What an alert or panel keeps the user from.
   bool carryOutUnlessBlocked(const Command& command);
+  bool quit();
   bool chooseFromMenu(const std::string& title);
   bool show(Word what);
   void showMenu() const;

@@ -86,6 +86,7 @@ void play(const Options& options, Session::Source source, bool echo) {
   desktop.journal = [&](const Fact& fact) {
     std::printf("%s\n", options.trace ? traceLine(fact).c_str() : sentenceFor(fact).c_str());
   };
+  if (!options.trace) desktop.remark = [](const std::string& sentence) { std::printf("    %s\n", sentence.c_str()); };
   if (echo) session.announce = [](const Command& command) { std::printf("%s\n", command.text.c_str()); };
   session.run();
 }
