@@ -4,6 +4,7 @@
 #include "app/Updates.hpp"
 #include "platform/Application.hpp"
 #include "platform/RuntimeClass.hpp"
+#include "settings/MappingsWindowController.hpp"
 
 namespace tarnwick {
 
@@ -113,7 +114,10 @@ void AppDelegate::toggleRemap() {
   showToggleTitle();
 }
 
-void AppDelegate::openMappings() {}
+void AppDelegate::openMappings() {
+  if (!mappingsWindow) mappingsWindow = MappingsWindowController::make(remapper);
+  send<"show">(mappingsWindow);
+}
 
 void AppDelegate::checkForUpdates() {
   updaterController.checkForUpdates();

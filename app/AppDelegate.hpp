@@ -3,6 +3,7 @@
 
 #include "platform/StatusBar.hpp"
 #include "platform/Updater.hpp"
+#include "platform/Window.hpp"
 #include "remap/KeyRemapper.hpp"
 
 namespace tarnwick {
@@ -35,6 +36,8 @@ private:
   platform::NSStatusItem statusItem;
   platform::NSMenuItem checkForUpdatesItem;
   platform::NSMenuItem toggleItem;
+  /// Made on first use.
+  platform::NSWindowController mappingsWindow;
 
   void setupMenu();
   void setupUpdater();

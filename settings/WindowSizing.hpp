@@ -26,8 +26,9 @@ constexpr platform::NSSize documentSize(platform::NSSize visible, CGFloat settin
   return {documentWidth(visible.width), std::max(settingsHeight + settingsTop, visible.height)};
 }
 
-/// Content size of the window when it opens for the first time: room for the settings, some of the screen left free.
-/// `screen` is the size of the screen's visible frame; without one nothing limits the window.
+/// Content size of the window when it opens for the first time: `least`, or more where the settings need it, as far as
+/// that leaves some of the screen free; but never below `windowMinimum` for the screen's sake. `screen` is the size of
+/// the screen's visible frame; without one nothing limits the window.
 constexpr platform::NSSize initialContentSize(platform::NSSize settings, platform::NSSize least,
                                               platform::NSSize windowMinimum, std::optional<platform::NSSize> screen) {
   constexpr CGFloat leftFree = 120;
