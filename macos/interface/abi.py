@@ -18,13 +18,16 @@ CODES = {
     "int64_t": "q", "uint64_t": "Q", "uintptr_t": "Q", "intptr_t": "q", "int32_t": "i", "uint32_t": "I",
     "float": "f", "double": "d", "CGFloat": "d", "NSTimeInterval": "d", "CFTimeInterval": "d",
     "NSLayoutPriority": "f", "NSStackViewVisibilityPriority": "f",
+    "NSFontWeight": "d", "NSFontWidth": "d", "NSGlyph": "I", "NSWindowDepth": "i", "OSType": "I", "UniChar": "S",
+    "NSModalSession": "^", "NSRangePointer": "^", "NSRectArray": "^", "NSSizeArray": "^",
+    "NSDecimal": "{NSDecimal}", "NSOperatingSystemVersion": "{NSOperatingSystemVersion=qqq}",
     "CGPoint": POINT, "NSPoint": POINT, "CGSize": SIZE, "NSSize": SIZE, "CGRect": RECT, "NSRect": RECT,
     "NSRange": "{_NSRange=QQ}", "NSEdgeInsets": "{NSEdgeInsets=dddd}",
     "dispatch_time_t": "Q", "DispatchTime": "Q", "CGEventMask": "Q", "CGEventTimestamp": "Q", "CGKeyCode": "S",
     "CGCharCode": "S", "Ivar": "^", "Method": "^", "CGEventTapProxy": "^", "CGEventTapCallBack": "^",
     "DispatchFunction": "^", "dispatch_function_t": "^", "dispatch_queue_t": "^"}
 
-# Names of numbers with a sign that the bindings do not tell: AppKit's and Foundation's enumerations are 64 bits wide.
+# Every other number of AppKit and Foundation is an enumeration of 64 bits, with or without a sign.
 ENUMERATION = {"q", "Q"}
 
 

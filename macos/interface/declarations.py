@@ -11,6 +11,8 @@ from program import Code, demangled, includes, template, text_of
 
 REPORT = """
 #include <concepts>
+namespace platform {}
+namespace tarnwick {}
 using namespace platform;
 using namespace tarnwick;
 namespace report {
@@ -35,8 +37,10 @@ template <class Result, class... Arguments> void types(Result (*)(Arguments...))
 }
 void all() {
 """
-FUNCTION = re.compile(r"^(?!inline|static|using|return|#)[\w:*&<>, ]*?[\w*] \*?(\w+)\([^;{}]*\);", re.MULTILINE)
-VARIABLE = re.compile(r"^extern (?!\"C\")[^;()]*?\b(\w+);", re.MULTILINE)
+C_BLOCK = re.compile(r'^extern "C" \{$', re.MULTILINE)
+C_DECLARATION = re.compile(r'^extern "C" ([^{};]*;)', re.MULTILINE)
+FUNCTION = re.compile(r"^(?!using|extern|typedef)[\w:* ]*?[ *](\w+)\([^;{}]*\);", re.MULTILINE)
+VARIABLE = re.compile(r"^(?!struct \w+;|using |typedef )\w[^;(){}=\n]*[ *](\w+);", re.MULTILINE)
 PLATFORM_NAME = re.compile(r"^(?:NS|CF|CG|AX|UT)[A-Z]|^k(?:CF|CG|AX|VK|UT)|^DISPATCH_")
 CONSTANT = re.compile(r"\bconstexpr ([\w:<> ]+?)[ *&]+(\w+)(?:\[\])?\s*(?:=\s*([^;]+?)|\{([^;]*)\});")
 ENUMERATION = re.compile(r"\benum\s*\w*\s*(?::\s*[\w: ]+)?\{([^}]*)\}")
@@ -50,18 +54,32 @@ CALLBACKS = {"CGEventTapCallBack": "__CGEvent* (*)(__CGEventTapProxy*, CGEventTy
              "dispatch_function_t": "void (*)(void*)", "DispatchFunction": "void (*)(void*)"}
 INTEGERS = {(1, False): "C", (1, True): "c", (2, False): "S", (2, True): "s", (4, False): "I", (4, True): "i",
             (8, False): "Q", (8, True): "q"}
+NOT_OF_THE_PLATFORM = {"desktop_methodFor"}  # the stand-in's own entry, absent from a Mac's build
 ALIASES = {"CFRunLoopModeRef": "CFStringRef"}
 ANY_POINTER = {"CFTypeRef", "pointer", "id"}
 
 
-class Declarations:
-    """One processor's declarations against the facts."""
+def c_declarations(text):
+    """What stands in `extern "C"`, without the bodies of functions and types."""
+    yield from C_DECLARATION.findall(text)
+    for start in C_BLOCK.finditer(text):
+        depth, outer = 1, ""
+        for character in text[start.end():]:
+            depth += {"{": 1, "}": -1}.get(character, 0)
+            if depth == 0:
+                break
+            outer += character if depth == 1 else ""
+        yield outer
 
-    def __init__(self, facts, asked, compiler, sources):
-        self.facts, self.asked, self.compiler = facts, asked, compiler
-        self.processor = asked.processor
+
+class Declarations:
+    """The declarations that one compiler sees against the facts."""
+
+    def __init__(self, facts, processor, compiler, sources):
+        self.facts, self.processor, self.compiler = facts, processor, compiler
         self.sources = sources
         self.enumerations = {}
+        self.checked = set()
 
     def check(self):
         """All sentences about functions, variables and constants."""
@@ -75,22 +93,18 @@ class Declarations:
                 self.enumerations[found[0]] = INTEGERS[int(found[1].rstrip("l")), found[2] == "true"]
         for name in sorted(reported):
             yield from self.check_reported(name)
-        for name in sorted(self.named(FUNCTION) - set(self.facts.functions)):
-            yield from self.check_unknown(name)
+        for name in sorted(self.named(FUNCTION) - functions - NOT_OF_THE_PLATFORM):
+            yield f"the platform has no function {name}{close_to(name, self.facts.functions)}"
+        for name in sorted(self.named(VARIABLE) - variables):
+            yield f"the platform has no variable {name}{close_to(name, self.facts.variables)}"
         for name, file, expression in constants:
             yield from self.check_constant_name(name, file, expression)
         yield from self.check_texts()
 
     def named(self, pattern):
-        """What the C declarations of platform/ name."""
-        return {name for file, text in self.sources.items() if file.startswith("platform/")
-                for name in pattern.findall(text)}
-
-    def check_unknown(self, name):
-        """A function that is declared for linking with C, but in no fact."""
-        if not any(f"{name}(" in text and 'extern "C"' in text for text in self.sources.values()):
-            return
-        yield f"the platform has no function {name}{close_to(name, self.facts.functions)}"
+        """What the C declarations of the program name."""
+        return {name for text in self.sources.values() for declarations in c_declarations(text)
+                for name in pattern.findall(declarations)}
 
     def constants(self):
         """The platform's constants that the program declares: name, file, and what says its value in C++."""
@@ -125,6 +139,7 @@ class Declarations:
                               ("report::constant", self.check_constant)):
             arguments = template(name, prefix)
             if arguments:
+                self.checked.add(text_of(arguments[0]))
                 yield from check(text_of(arguments[0]), arguments[1:])
 
     def check_function(self, name, kinds):

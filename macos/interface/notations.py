@@ -127,7 +127,7 @@ class Notations:
         """A type of a C header."""
         text = re.sub(r"\b(const|volatile|_Nonnull|_Nullable|__unused|struct)\b", "", text)
         text = re.sub(r"\s+", " ", text).strip().replace(" *", "*")
-        if text.startswith("id<"):
+        if text.startswith("id<") or text == "Protocol*":
             return "id"
         if text.endswith("*"):
             return self.class_named(text[:-1]) or "pointer"

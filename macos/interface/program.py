@@ -19,8 +19,7 @@ FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
 COMPILER = "clang++-19"
 # As the application is built (macos/CMakeLists.txt), but that a use of something newer is an error.
-OPTIONS = ["-std=c++20", "-O0", "-g0", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics",
-           "-Werror=unguarded-availability", "-nostdinc"]
+OPTIONS = ["-std=c++20", "-O0", "-g0", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics"]
 
 
 class ProgramError(Exception):
@@ -71,16 +70,21 @@ def own_files(root, pattern, folders):
     return sorted(str(path.relative_to(root)) for folder in folders for path in (root / folder).glob(pattern))
 
 
-class Compiler:
-    """Compiles for one of a Mac's processors, as macos/linux.cmake does."""
+def mac_options(root, headers, processor):
+    """For one of a Mac's processors, as macos/linux.cmake has it."""
+    resources = subprocess.run([COMPILER, "-print-resource-dir"], capture_output=True, text=True, check=True)
+    folders = [f"{headers}/libcxx/include", f"{resources.stdout.strip()}/include", f"{headers}/include"]
+    return ["-target", f"{processor}-apple-macos13.0", "-Werror=unguarded-availability", "-nostdinc",
+            *(word for folder in folders for word in ("-isystem", folder)),
+            "-include", str(root / "macos" / "libcxx_config.h")]
 
-    def __init__(self, root, headers, processor):
-        resources = subprocess.run([COMPILER, "-print-resource-dir"], capture_output=True, text=True,
-                                   check=True).stdout.strip()
+
+class Compiler:
+    """Compiles the program's sources; without options for the machine at hand, where the stand-in is."""
+
+    def __init__(self, root, options=()):
         self.root = root
-        self.command = [COMPILER, "-target", f"{processor}-apple-macos13.0", *OPTIONS, "-isystem",
-                        f"{headers}/libcxx/include", "-isystem", f"{resources}/include", "-isystem",
-                        f"{headers}/include", "-include", str(root / "macos" / "libcxx_config.h"), f"-I{root}"]
+        self.command = [COMPILER, *OPTIONS, *options, f"-I{root}"]
         # The headers of others, compiled once: parsing them is most of the work.
         self.folder = tempfile.TemporaryDirectory()
         prefix, self.prefix = Path(self.folder.name) / "system.hpp", Path(self.folder.name) / "system.pch"
@@ -94,7 +98,7 @@ class Compiler:
         done = subprocess.run([*self.command, *options], input=source, capture_output=True, text=True, check=False,
                               cwd=self.root)
         if done.returncode:
-            raise ProgramError(f"the sources do not compile for a Mac:\n{done.stderr.strip()}")
+            raise ProgramError(f"the sources do not compile:\n{done.stderr.strip()}")
         return done.stdout
 
     def intermediate(self, *options, source=None):
@@ -333,7 +337,7 @@ def read_protocols(asked, text):
 
 def ask(root, headers, processor):
     """What the program asks of this processor's platform, and the compiler and preprocessed sources for more."""
-    compiler = Compiler(root, headers, processor)
+    compiler = Compiler(root, mac_options(root, headers, processor))
     code = Code()
     for index, text in enumerate(compile_program(compiler)):
         code.read(text, linked=index > 0)
