@@ -58,8 +58,8 @@ void playOn(Desktop& machine, const std::vector<Step>& steps) {
 /// What is made on first use and kept from then on is no leak: a session that uses it all.
 void warmUp() {
   Desktop machine;
-  playOn(machine, {"trust no\n taps allow\n launch\n click OK\n press ctrl+c\n menu Developer\n front Finder\n"
-                   "press f2\n press forwarddelete\n click Cancel\n menu Settings…"});
+  playOn(machine, {"trust no", "taps allow", "launch", "click OK", "press ctrl+c", "menu Developer", "menu Settings…",
+                   "front Finder", "press f2", "press escape", "press forwarddelete", "click Cancel"});
 }
 
 } // namespace

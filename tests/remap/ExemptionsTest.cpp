@@ -1,0 +1,170 @@
+#include "tests/support/RemapperTest.hpp"
+
+namespace tarnwick {
+namespace {
+
+using namespace std::string_literals;
+using desktop::PropertyList;
+using platform::NSString;
+
+using Texts = std::vector<std::u16string>;
+
+class ExemptionsTest : public RemapperTest {
+protected:
+  /// As the program holds such a text: NUL, lone surrogates and all.
+  static NSString text(const std::u16string& units) { return {platform::share, desktop::string(units).get()}; }
+  void add(const std::u16string& units) { remapper->addExemptBundleID(text(units)); }
+  void remove(const std::u16string& units) { remapper->removeExemptBundleID(text(units)); }
+
+  Texts listed() {
+    Texts texts;
+    for (const NSString& each : remapper->allExemptBundleIDs())
+      texts.push_back(each.characters());
+    return texts;
+  }
+  const PropertyList* storedValue() { return desktop.machine.defaults->file->value(u"exemptBundleIDs"); }
+  Texts stored() {
+    Texts texts;
+    for (const PropertyList& each : *storedValue()->as<PropertyList::Array>()) {
+      texts.push_back(*each.as<std::u16string>());
+    }
+    return texts;
+  }
+  /// The list, which must be what is stored, too.
+  Texts both() {
+    EXPECT_EQ(listed(), stored());
+    return listed();
+  }
+};
+
+TEST_F(ExemptionsTest, AreTrimmedOfWhitespaceAtBothEndsOnly) {
+  add(u" \n com.apple.finder\t\r\n");
+  EXPECT_EQ(both(), (Texts{u"com.apple.finder"}));
+  remove(u"com.apple.finder");
+  // Unicode's space, line and paragraph separators, and the controls that count as white.
+  const std::u16string whites =
+      u"\t\n\u000B\u000C\r \u0085\u00A0\u1680\u2000\u2005\u200A\u2028\u2029\u202F\u205F\u3000";
+  for (const char16_t white : whites) {
+    add(white + u"a"s + white + u"b"s + white);
+    EXPECT_EQ(both(), (Texts{u"a"s + white + u"b"s})) << std::hex << int{white};
+    remove(u"a"s + white + u"b"s);
+  }
+  for (const char16_t other : u"\u0008\u000E\u001F\u0084\u180E\u200B\u2060\uFEFF"s) {
+    if (other == 0) continue;
+    add(other + u"a"s);
+    EXPECT_EQ(both(), (Texts{other + u"a"s})) << std::hex << int{other};
+    remove(other + u"a"s);
+  }
+}
+
+TEST_F(ExemptionsTest, IgnoreWhatIsOnlyWhitespace) {
+  add(u"");
+  add(u" \n\u2003\u3000");
+  EXPECT_EQ(storedValue(), nullptr) << "nothing was written";
+}
+
+TEST_F(ExemptionsTest, AreSortedByCodePointAfterComposition) {
+  const Texts inOrder{
+      u"", // as stored by others; never added
+      u"Com.example",
+      u"com",
+      u"com.Z",
+      u"com.a",
+      u"com.a.b",
+      u"com.e",
+      u"com.f",
+      u"com.e\u0301", // sorts as U+00E9
+      u"com.\u00E9a",
+      u"com.\uFB01",
+      u"com.\uFFFD",
+      u"com.\U0001F600", // above U+FFFF, though its units are below U+FFFD
+  };
+  Texts shuffled(inOrder.rbegin(), inOrder.rend());
+  PropertyList::Array array(shuffled.begin(), shuffled.end());
+  desktop.store(u"exemptBundleIDs", array);
+  relaunch();
+  EXPECT_EQ(listed(), inOrder);
+  remapper->saveExemptions();
+  EXPECT_EQ(both(), inOrder);
+}
+
+TEST_F(ExemptionsTest, OrderTextsThatComposeAlikeTheSameEveryTime) {
+  const std::u16string composed = u"caf\u00E9";
+  const std::u16string decomposed = u"cafe\u0301";
+  add(composed);
+  add(decomposed);
+  const Texts first = both();
+  EXPECT_EQ(first.size(), 2U) << "two different texts";
+  remove(composed);
+  EXPECT_EQ(both(), (Texts{decomposed}));
+  add(composed);
+  EXPECT_EQ(both(), first);
+  front(decomposed);
+  EXPECT_EQ(press(ctrlC), ctrlC);
+  remove(decomposed);
+  EXPECT_EQ(press(ctrlC), cmdC) << "the other spelling is another application";
+}
+
+TEST_F(ExemptionsTest, TellApartAndKeepOddIdentifiers) {
+  const Texts odd{std::u16string(10'000, u'x'),
+                  std::u16string(10'001, u'x'),
+                  u"com.example.two words",
+                  u"com.Example.two words",
+                  u"with\nline\r\nbreaks",
+                  u"with\0NUL"s,
+                  u"with\0another"s,
+                  u"lone \xD800 surrogate"s,
+                  u"<&>\"'",
+                  u"\u202Eright to left"};
+  for (const auto& identifier : odd)
+    add(identifier);
+  EXPECT_EQ(both().size(), odd.size());
+  relaunch();
+  EXPECT_EQ(both().size(), odd.size());
+  for (const auto& identifier : odd) {
+    front(identifier);
+    EXPECT_EQ(press(ctrlC), ctrlC);
+    remove(identifier);
+    EXPECT_EQ(press(ctrlC), cmdC) << "a change counts from the next key on";
+  }
+  EXPECT_EQ(both(), Texts());
+}
+
+TEST_F(ExemptionsTest, AreWrittenWholeAtEveryChangeAndNonChange) {
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"b", u"a", u"b"});
+  relaunch();
+  add(u"a");
+  EXPECT_EQ(both(), (Texts{u"a", u"b"})) << "no new member, yet the duplicate is gone from the file";
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"a", 7});
+  remove(u" a ");
+  EXPECT_EQ(both(), (Texts{u"a", u"b"})) << "removed exactly as given, which is no member";
+  remove(u"a");
+  remove(u"b");
+  ASSERT_NE(storedValue(), nullptr) << "the key stays";
+  EXPECT_EQ(both(), Texts());
+}
+
+TEST_F(ExemptionsTest, ReplaceAStoredListThatWasNotUnderstood) {
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"com.example.editor", 7});
+  relaunch();
+  EXPECT_EQ(listed(), Texts());
+  add(u"b");
+  EXPECT_EQ(both(), (Texts{u"b"}));
+}
+
+TEST_F(ExemptionsTest, StayInMemoryWhenTheyCannotBeWritten) {
+  const desktop::TemporaryFolder folder;
+  desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");
+  desktop.machine.defaults->file->failWrites(true);
+  testing::internal::CaptureStderr();
+  add(u"com.example.editor");
+  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+  EXPECT_FALSE(std::filesystem::exists(folder.path / "defaults.plist"));
+  EXPECT_EQ(press(ctrlC), ctrlC) << "exempt all the same";
+  desktop.machine.defaults->file->failWrites(false);
+  add(u"other");
+  EXPECT_NE(desktop::contentsOf(folder.path / "defaults.plist").find("com.example.editor"), std::string::npos);
+}
+
+} // namespace
+} // namespace tarnwick
