@@ -46,6 +46,7 @@ void Application::terminate(id /*sender*/) {
   if (desktop.appKit->isTerminated) return;
   tellDelegate(delegate, "applicationWillTerminate:");
   desktop.appKit->isTerminated = true;
+  desktop.appKit->windows.clear();
   desktop.journal({"terminate"});
   desktop.server.forgetProgram();
   desktop.queue.clear();

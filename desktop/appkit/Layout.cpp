@@ -52,9 +52,8 @@ std::optional<double> demandedLength(const View& view, Axis axis) {
 /// What the constraints in one container say along one axis, for the solver.
 class Ties {
 public:
-  Ties(View& container, Axis along) : axis(along) {
+  Ties(View& container, Axis which) : axis(which) {
     boxOf(&container);
-    wanted.front().reset();
     for (const auto& constraint : container.constraints) {
       if (constraint->axis == axis && constraint->second != nullptr) add(*constraint);
     }
