@@ -46,7 +46,8 @@ CONSTANT = re.compile(r"\bconstexpr ([\w:<> ]+?)[ *&]+(\w+)(?:\[\])?\s*(?:=\s*([
 ENUMERATION = re.compile(r"\benum\s*\w*\s*(?::\s*[\w: ]+)?\{([^}]*)\}")
 ACCESSIBILITY_TEXT = re.compile(r'"(AX[A-Z]\w*)"')
 # One name, one value on each processor.
-DIFFERING = {"NSTextAlignmentCenter": {"arm64": "1", "x86_64": "2"}, "NSTextAlignmentRight": {"arm64": "2", "x86_64": "1"},
+DIFFERING = {"NSTextAlignmentCenter": {"arm64": "1", "x86_64": "2"},
+             "NSTextAlignmentRight": {"arm64": "2", "x86_64": "1"},
              "NSImageResizingModeStretch": {"arm64": "1", "x86_64": "0"},
              "NSImageResizingModeTile": {"arm64": "0", "x86_64": "1"}}
 # What the platform calls back, as its documentation declares it.
@@ -154,14 +155,18 @@ class Declarations:
             if not self.agrees(kind, expected):
                 place = "answers" if index == 0 else f"takes as argument {index}"
                 codes = " or ".join(sorted(self.facts.types.codes(expected, self.processor)))
-                yield f"{name} {place} {expected} ({codes or '?'}), the program declares {kind}"
+                yield f"{name} {place} {expected} ({codes or '?'}), the program declares {kind} ({self.code(kind) or '?'})"
+
+    def code(self, kind):
+        """The encoding of a C++ type, of an enumeration that of its numbers."""
+        return cpp_code(kind) or self.enumerations.get(kind) or ("^" if "(*)" in kind else "")
 
     def agrees(self, kind, expected):
         """Whether a C++ type is what the facts name."""
         if expected in CALLBACKS:
             return kind == CALLBACKS[expected]
         expected = ALIASES.get(expected, expected)
-        code = cpp_code(kind) or self.enumerations.get(kind) or ("^" if "(*)" in kind else "")
+        code = self.code(kind)
         codes = self.facts.types.codes(expected, self.processor)
         if code in ("@", "#", ":") and expected not in ("id", "Class", "SEL"):
             return False
@@ -255,6 +260,7 @@ def check_class_libraries(facts, libraries, asked):
     for name in sorted(asked.classes - own):
         library = facts.class_libraries.get(name)
         if library is None:
-            yield f"the program looks up the class {name}, which the facts do not know{close_to(name, facts.superclasses)}"
+            yield (f"the program looks up the class {name}, which the facts do not know"
+                   f"{close_to(name, facts.superclasses)}")
         elif library and library not in linked:
             yield f"the program looks up the class {name} of {library}, which macos/imports.txt does not link"

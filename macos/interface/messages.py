@@ -143,7 +143,8 @@ class Messages:
         if not known:
             known = self.facts.delegate_method(method.selector)
             if known and known.owner not in self.asked.protocols[method.owner]:
-                yield f"{method.owner} answers {method.selector} of {known.owner}, but does not conform to that protocol"
+                yield (f"{method.owner} answers {method.selector} of {known.owner}, but does not conform to that "
+                       "protocol")
         if known:
             yield from self.check_encoding(f"the program's {method.owner}", method.encoding, known)
         elif method.selector in self.asked.actions:

@@ -1,8 +1,7 @@
 """Reads the type notations of the language bindings that the facts come from, as the platform's own type names.
 
-A type is given back as the platform writes it (`NSInteger`, `BOOL`, `NSString`, `CFStringRef`, `CGEventFlags`), an object
-of unknown class as `id`, a pointer to anything else as `pointer`, a block as `block`, and what a notation leaves open as
-`?`.
+A type is given back as the platform writes it (`NSInteger`, `BOOL`, `NSString`, `CFStringRef`), an object of unknown
+class as `id`, a pointer to anything else as `pointer`, a block as `block`, and what a notation leaves open as `?`.
 """
 import re
 

@@ -7,11 +7,9 @@ intermediate code with everything that matters: receiver, selector, result, argu
 import json
 import re
 import subprocess
-import tempfile
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
-from pathlib import Path
 
 from notations import split_balanced
 
@@ -80,14 +78,15 @@ def mac_options(root, headers, processor):
 
 
 class Compiler:
-    """Compiles the program's sources; without options for the machine at hand, where the stand-in is."""
+    """Compiles the program's sources; without options for the machine at hand, where the stand-in is. `work` is a new
+    folder of its own."""
 
-    def __init__(self, root, options=()):
+    def __init__(self, root, work, options=()):
         self.root = root
         self.command = [COMPILER, *OPTIONS, *options, f"-I{root}"]
         # The headers of others, compiled once: parsing them is most of the work.
-        self.folder = tempfile.TemporaryDirectory()
-        prefix, self.prefix = Path(self.folder.name) / "system.hpp", Path(self.folder.name) / "system.pch"
+        work.mkdir()
+        prefix, self.prefix = work / "system.hpp", work / "system.pch"
         prefix.write_text(system_includes(root))
         self.run("-x", "c++-header", str(prefix), "-o", str(self.prefix))
 
@@ -270,7 +269,8 @@ class Reader:
             if types:
                 ways = {way for way in self.code.uses.get(symbol, ()) if way.startswith("objc_msgSend")}
                 return types[0], types[1:], " ".join(sorted(ways))
-        raise ProgramError(f"a message does not end in {entry}; macos/interface/program.py must follow platform/Send.hpp")
+        raise ProgramError(f"a message does not end in {entry}: macos/interface/program.py must follow "
+                           "platform/Send.hpp")
 
     def add(self, symbol, receiver, kind, selector, classes, sent):
         """Notes one message. `classes` are those of result and arguments as the program names them."""
@@ -330,14 +330,14 @@ class Reader:
 
 
 def read_protocols(asked, text):
-    """Which protocols the run-time classes say they follow: `RuntimeClass<..., "Name", ...>` ... `conformsTo("...")`."""
+    """Which protocols the run-time classes say they follow, from `RuntimeClass<..., "Name", ...>` on."""
     for owner, chain in re.findall(r'RuntimeClass<[^"]*"(\w+)"([^;]*);', text):
         asked.protocols[owner].update(re.findall(r'conformsTo\("(\w+)"\)', chain))
 
 
-def ask(root, headers, processor):
+def ask(root, work, headers, processor):
     """What the program asks of this processor's platform, and the compiler and preprocessed sources for more."""
-    compiler = Compiler(root, mac_options(root, headers, processor))
+    compiler = Compiler(root, work / processor, mac_options(root, headers, processor))
     code = Code()
     for index, text in enumerate(compile_program(compiler)):
         code.read(text, linked=index > 0)
@@ -348,7 +348,7 @@ def ask(root, headers, processor):
     return asked, compiler, sources
 
 
-def ask_all(root, headers, processors):
+def ask_all(root, work, headers, processors):
     """The same for several processors at once."""
     with ThreadPoolExecutor(2) as pool:
-        return list(pool.map(lambda processor: ask(root, headers, processor), processors))
+        return list(pool.map(lambda processor: ask(root, work, headers, processor), processors))
