@@ -126,8 +126,12 @@ def includes(root, folders=HEADER_FOLDERS):
 
 def compile_program(compiler):
     """The intermediate code of all that platform/ could do, whether used or not, and of the program's sources."""
-    return [compiler.intermediate("-femit-all-decls", source=includes(compiler.root)),
-            *(compiler.intermediate(name) for name in own_files(compiler.root, "*.cpp", FOLDERS))]
+    files = own_files(compiler.root, "*.cpp", FOLDERS)
+    codes = [compiler.intermediate("-femit-all-decls", source=includes(compiler.root))]
+    try:  # all at once, which takes a fifth of the time
+        return [*codes, compiler.intermediate(source="".join(f'#include "{name}"\n' for name in files))]
+    except ProgramError:  # one by one, since what is local to two files may bear one name
+        return [*codes, *map(compiler.intermediate, files)]
 
 
 def system_includes(root):
