@@ -7,12 +7,13 @@ namespace desktop {
 void StackView::addArrangedSubview(View* view) {
   addSubview(view);
   view->translatesMask = false;
+  view->isArranged = true;
   arranged.push_back(view);
 }
 
 void StackView::removeArrangedSubview(View* view) {
-  const auto found = std::find(arranged.begin(), arranged.end(), view);
-  if (found != arranged.end()) arranged.erase(found);
+  if (view->superview != this || !std::exchange(view->isArranged, false)) return;
+  arranged.erase(std::find(arranged.begin(), arranged.end(), view));
 }
 
 Ref<Array> StackView::arrangedSubviews() const {

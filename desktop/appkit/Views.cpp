@@ -35,8 +35,8 @@ void View::addSubview(View* view) {
 
 void View::removeFromSuperview() {
   if (superview == nullptr) return;
+  if (isArranged) static_cast<StackView*>(superview)->removeArrangedSubview(this);
   View& container = *std::exchange(superview, nullptr);
-  if (auto* const stack = ifIs<StackView>(&container)) stack->removeArrangedSubview(this);
   std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
   const auto isThis = [&](const auto& each) { return each.get() == this; };
   // The last act: it may have been the last reference.

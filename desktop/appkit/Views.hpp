@@ -58,6 +58,8 @@ struct View : Object {
   Window* windowOfContent = nullptr;
   CGRect frame{};
   BOOL translatesMask = true;
+  /// By its superview, a stack.
+  bool isArranged = false;
   NSUInteger autoresizingMask = 0;
   Ref<String> itsIdentifier;
   Ref<Layer> itsLayer;
