@@ -58,8 +58,9 @@ void playOn(Desktop& machine, const std::vector<Step>& steps) {
 /// What is made on first use and kept from then on is no leak: a session that uses it all.
 void warmUp() {
   Desktop machine;
-  playOn(machine, {"trust no", "taps allow", "launch", "click OK", "press ctrl+c", "menu Developer", "menu Settings…",
-                   "front Finder", "press f2", "press escape", "press forwarddelete", "click Cancel"});
+  playOn(machine, {"trust no", "taps allow", "launch", "click OK", "trust yes", "press ctrl+c", "menu Developer",
+                   "menu Settings…", "front Finder", "press f2", "press escape", "press forwarddelete",
+                   "click \"Move to Bin\"", "wait 1"});
 }
 
 } // namespace

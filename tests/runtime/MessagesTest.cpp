@@ -1,0 +1,143 @@
+#include "platform/StatusBar.hpp"
+#include "tests/support/TestDesktop.hpp"
+
+namespace platform {
+namespace {
+
+using namespace std::string_literals;
+
+id releasedString() {
+  const auto text = NSString::utf8("gone");
+  return text.object();
+}
+
+// On a Mac each of these would corrupt memory, now or later, without a word.
+TEST(MessagesDeathTest, StopTheProgramWhenTheyAreWrong) {
+  const struct {
+    const char* what;
+    void (*mistake)();
+    const char* sentence;
+  } mistakes[] = {
+      {"an unknown selector", [] { send<"lenght", NSUInteger>(NSString::utf8("text")); },
+       "a NSString has no method 'lenght' \\(called as Q@:\\)"},
+      {"an instance's method asked of the class", [] { send<"length", NSUInteger>(theClass<"NSString">); },
+       "the class NSString has no method 'length'"},
+      {"a superclass without it", [] { sendSuper<"NSObject", "length", NSUInteger>(NSString::utf8("text").object()); },
+       "a NSString has no method 'length'"},
+      {"another result", [] { send<"length", double>(NSString::utf8("text")); },
+       "'length' of a NSString has the type Q@: but was called as d@:"},
+      {"another result, after it went well",
+       [] {
+         const auto text = NSString::utf8("text");
+         if (text.length() == 4) send<"length", int>(text);
+       },
+       "'length' of a NSString has the type Q@: but was called as i@:"},
+      {"an argument too few", [] { send<"stringByAppendingString:", NSString>(NSString::utf8("text")); },
+       "'stringByAppendingString:' of a NSString has the type @@:@ but was called as @@:"},
+      {"an int for a Boolean", [] { send<"setEnabled:">(NSMenuItem::separatorItem(), 1); },
+       "'setEnabled:' of a NSMenuItem has the type v@:B but was called as v@:i"},
+      {"an argument of another class", [] { send<"addItem:">(NSMenu::make(), NSString::utf8("text")); },
+       "a NSString was given where a NSMenuItem is wanted"},
+      {"a released receiver", [] { send<"length", NSUInteger>(releasedString()); },
+       "message 'length' to a released NSString"},
+      {"a released object kept", [] { objc_retain(releasedString()); }, "a released NSString was retained"},
+      {"one release too many", [] { objc_release(releasedString()); }, "a released NSString was released again"},
+  };
+  for (const auto& [what, mistake, sentence] : mistakes) {
+    EXPECT_DEATH(
+        {
+          const AutoreleasePool pool;
+          mistake();
+        },
+        std::string("tarnwick: ") + sentence)
+        << what;
+  }
+}
+
+TEST(MessagesDeathTest, NeedAPoolForWhatTheyHandOver) {
+  EXPECT_DEATH(NSMenuItem::separatorItem(), "a NSMenuItem was autoreleased outside of any pool");
+}
+
+TEST(Messages, ToNothingAnswerZero) {
+  const NSString nothing;
+  EXPECT_EQ(nothing.length(), 0U);
+  EXPECT_FALSE(nothing.stringByAppendingString(nothing));
+  EXPECT_EQ((send<"frame", CGRect>(nothing).size.width), 0);
+  EXPECT_FALSE((make<"NoSuchClass", "init">()));
+}
+
+TEST(Messages, OfAnInitialiserThatRefusesLeaveNothingBehind) {
+  const desktop::LeakCheck nothingLeaks;
+  EXPECT_FALSE(NSString::utf8("\xff"));
+  EXPECT_EQ(NSString::utf8("a\0b"s).characters(), u"a\0b"s);
+}
+
+TEST(AutoreleasePools, ReleaseWhatCameDuringTheirOwnLife) {
+  const desktop::LeakCheck nothingLeaks;
+  const auto items = [] { return desktop::liveObjects("NSMenuItem"); };
+  {
+    const AutoreleasePool outer;
+    NSMenuItem::separatorItem();
+    {
+      const AutoreleasePool inner;
+      const auto kept = NSMenuItem::separatorItem();
+      NSMenuItem::separatorItem();
+      EXPECT_EQ(items(), 3);
+    }
+    EXPECT_EQ(items(), 1);
+  }
+  EXPECT_EQ(items(), 0);
+}
+
+long references(id object) {
+  return static_cast<desktop::Object*>(object)->references;
+}
+
+TEST(References, AreCountedByTheirOwner) {
+  const desktop::LeakCheck nothingLeaks;
+  NSString first = NSString::utf8("text");
+  const id object = first.object();
+  EXPECT_EQ(references(object), 1) << "made and taken over";
+  {
+    NSString copy = first;
+    const NSString another(share, object);
+    EXPECT_EQ(references(object), 3);
+    NSString moved = std::move(copy);
+    EXPECT_EQ(references(object), 3);
+    copy = moved;
+    EXPECT_EQ(references(object), 4);
+    copy = NSString::utf8("other");
+    EXPECT_EQ(references(object), 3);
+  }
+  EXPECT_EQ(references(object), 1);
+
+  NSString& itself = first;
+  first = itself;
+  first = std::move(itself);
+  EXPECT_EQ(first.object(), object);
+  EXPECT_EQ(references(object), 1);
+
+  const NSString takenBack(adopt, first.detach());
+  EXPECT_FALSE(first);
+  EXPECT_EQ(references(object), 1);
+}
+
+TEST(References, OfCoreFoundationAreCountedAlike) {
+  const desktop::LeakCheck nothingLeaks;
+  const NSString text = NSString::utf8("text");
+  CF<CFStringRef> shared(share, text.asCFString());
+  CF<CFStringRef> adopted(adopt, static_cast<CFStringRef>(CFRetain(text.asCFString())));
+  EXPECT_EQ(references(text.object()), 3);
+  shared = std::move(adopted);
+  EXPECT_FALSE(adopted);
+  EXPECT_EQ(references(text.object()), 2);
+  CF<CFStringRef>& itself = shared;
+  shared = std::move(itself);
+  EXPECT_TRUE(shared);
+  EXPECT_EQ(references(text.object()), 2);
+  shared = {};
+  EXPECT_EQ(references(text.object()), 1);
+}
+
+} // namespace
+} // namespace platform
