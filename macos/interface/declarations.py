@@ -242,8 +242,7 @@ def check_imports(facts, libraries, asked):
                        f"{close_to(name, {*facts.functions, *facts.variables})}")
     for name in sorted(asked.imports - listed):
         known = home(facts, name)
-        yield (f"the program uses {name}{f' of {known}' if known else ''}, which macos/imports.txt does not list for "
-               f"{asked.processor}")
+        yield f"the program uses {name}{f' of {known}' if known else ''}, which macos/imports.txt does not list"
 
 
 def home(facts, name):
