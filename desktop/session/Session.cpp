@@ -1,6 +1,12 @@
 #include "desktop/session/Session.hpp"
 
+#include "desktop/drawing/Drawing.hpp"
 #include "desktop/session/WindowCommands.hpp"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
 
 namespace desktop {
 namespace {
@@ -62,7 +68,9 @@ bool Session::playNext() {
 
 void Session::play(const Command& command) {
   announce(command);
-  if (!carryOut(command)) desktop.journal({"lost", command.text});
+  const bool done = carryOut(command);
+  if (!done) desktop.journal({"lost", command.text});
+  if (command.verb != Verb::Draw) menuIsOpen = done && command.verb == Verb::Show && command.word == Word::Menu;
 }
 
 bool Session::carryOut(const Command& command) {
@@ -109,6 +117,8 @@ bool Session::carryOut(const Command& command) {
     return true;
   case Verb::Show:
     return show(command.word);
+  case Verb::Draw:
+    return draw(command.path);
   default:
     return !desktop.appKit->isTerminated && carryOutOnProgram(command);
   }
@@ -210,6 +220,16 @@ void Session::showDefaults() const {
   }
   if (fact.size() == 2) fact.emplace_back();
   desktop.journal(fact);
+}
+
+bool Session::draw(const std::string& file) const {
+  const std::string picture = drawScreen(desktop, menuIsOpen);
+  std::ofstream stream(file, std::ios::binary);
+  stream << picture;
+  stream.close();
+  if (stream) return true;
+  std::fprintf(stderr, "tarnwick: the picture %s cannot be written: %s\n", file.c_str(), std::strerror(errno));
+  return false;
 }
 
 } // namespace desktop

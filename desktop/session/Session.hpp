@@ -39,12 +39,16 @@ private:
   bool show(Word what);
   void showMenu() const;
   void showDefaults() const;
+  /// False, with a sentence on standard error, when the file cannot be written.
+  bool draw(const std::string& file) const;
 
   Desktop& desktop;
   Program program;
   Source source;
   /// The command that launched the program by being none of those that come before; carried out first.
   std::optional<Command> waiting;
+  /// A menu that was shown stays open for pictures of it, until the user does something else.
+  bool menuIsOpen = false;
 };
 
 } // namespace desktop

@@ -1,0 +1,42 @@
+#include "desktop/drawing/Drawing.hpp"
+
+#include "desktop/drawing/Parts.hpp"
+
+namespace desktop {
+namespace {
+
+std::string drawNoScreen() {
+  constexpr CGSize page{240, 80};
+  Svg svg(page);
+  svg.rectangle({{0, 0}, page}, 0, "window");
+  svg.centredText(u"No screen", {page.width / 2, page.height / 2}, {}, "secondaryLabel");
+  return std::move(svg).finished();
+}
+
+/// From the back to the front.
+void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
+  const AppKit& appKit = *desktop.appKit;
+  const bool hasKeyWindow = desktop.frontmost.get() == desktop.tarnwick.get() && appKit.frontModal() == nullptr;
+  for (Window* window : appKit.windows) {
+    window->layOut();
+    drawWindow(svg, *window, screen, hasKeyWindow && window == appKit.frontWindow());
+  }
+  for (const ModalSession* modal : appKit.modalSessions) {
+    if (const auto* alert = ifIs<Alert>(modal->shown)) drawAlert(svg, *alert, screen);
+    if (const auto* panel = ifIs<OpenPanel>(modal->shown)) drawOpenPanel(svg, *panel, screen);
+  }
+}
+
+} // namespace
+
+std::string drawScreen(const Desktop& desktop, bool menuIsOpen) {
+  if (!desktop.screen) return drawNoScreen();
+  const CGSize page{desktop.screen->width, menuBarHeight + desktop.screen->height};
+  Svg svg(page);
+  drawWallpaper(svg, page);
+  if (!desktop.appKit->isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.screen});
+  drawMenuBar(svg, desktop, page.width, menuIsOpen);
+  return std::move(svg).finished();
+}
+
+} // namespace desktop

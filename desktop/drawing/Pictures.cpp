@@ -1,0 +1,57 @@
+#include "desktop/drawing/Parts.hpp"
+
+namespace desktop {
+namespace {
+
+std::size_t bigEndian(std::string_view bytes, std::size_t at) {
+  std::size_t number = 0;
+  for (std::size_t index = at; index < at + 4; ++index)
+    number = number << 8 | static_cast<unsigned char>(bytes[index]);
+  return number;
+}
+
+bool isPng(std::string_view bytes) {
+  constexpr std::size_t throughWidth = 20;
+  return bytes.size() >= throughWidth && bytes.starts_with("\x89PNG\r\n\x1a\n");
+}
+
+std::size_t pixelsOf(std::string_view png) {
+  return bigEndian(png, 16);
+}
+
+/// Of the pictures in an icon file the smallest that is large enough, else the largest; empty when there is none.
+std::string_view pictureIn(std::string_view icns, double pixels) {
+  constexpr std::size_t header = 8;
+  std::string_view best;
+  for (std::size_t at = header; at + header <= icns.size();) {
+    const std::size_t length = bigEndian(icns, at + 4);
+    if (length < header || length > icns.size() - at) break;
+    const auto body = icns.substr(at + header, length - header);
+    at += length;
+    if (!isPng(body)) continue;
+    const bool isEnough = !best.empty() && static_cast<double>(pixelsOf(best)) >= pixels;
+    const bool isLarger = best.empty() || pixelsOf(body) > pixelsOf(best);
+    if (isEnough ? !isLarger && static_cast<double>(pixelsOf(body)) >= pixels : isLarger) best = body;
+  }
+  return best;
+}
+
+void drawPlainIcon(Svg& svg, CGRect rect) {
+  const double side = std::min(rect.size.width, rect.size.height);
+  const CGRect square = {{middleX(rect) - side / 2, middleY(rect) - side / 2}, {side, side}};
+  svg.rectangle(insetBy(square, side * 0.1), side * 0.18, "well");
+  svg.rectangle(insetBy(square, side * 0.1), side * 0.18, "line controlEdge");
+}
+
+} // namespace
+
+void drawImage(Svg& svg, const Image& image, CGRect rect, std::string_view classes) {
+  if (image.bytes.empty()) return drawPlainIcon(svg, rect);
+  // Sharp on a screen with two pixels to a point.
+  const std::string_view png =
+      isPng(image.bytes) ? image.bytes : pictureIn(image.bytes, 2 * std::max(rect.size.width, rect.size.height));
+  if (png.empty()) return;
+  image.isTemplate ? svg.stencil(png, rect, classes) : svg.image(png, rect);
+}
+
+} // namespace desktop

@@ -1,0 +1,68 @@
+/// Writes a picture as SVG, one element after the other, each over those before it.
+///
+/// Coordinates are points from the top left corner of the page, y downwards. How elements look is said by classes,
+/// which `Style.hpp` lists.
+#pragma once
+
+#include "desktop/appkit/FontMetrics.hpp"
+#include "platform/Geometry.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace desktop {
+
+/// Short, and the same everywhere: two decimals at most.
+std::string svgNumber(double number);
+/// The text within an XML element; what XML cannot hold becomes U+FFFD.
+std::string svgText(std::u16string_view text);
+
+CGRect insetBy(CGRect rect, double distance);
+double middleX(CGRect rect);
+double middleY(CGRect rect);
+
+class Svg {
+public:
+  explicit Svg(CGSize page);
+
+  void rectangle(CGRect rect, double radius, std::string_view classes);
+  void circle(CGPoint centre, double radius, std::string_view classes);
+  /// Path data, drawn from `origin`.
+  void path(CGPoint origin, std::string_view data, std::string_view classes);
+  /// One line, exactly as wide as its typeface makes it whatever font the viewer has. `start` is the left end of its
+  /// middle.
+  void text(std::u16string_view text, CGPoint start, Typeface face, std::string_view classes);
+  void centredText(std::u16string_view text, CGPoint middle, Typeface face, std::string_view classes);
+  /// A PNG, as large as fits.
+  void image(std::string_view png, CGRect rect);
+  /// Only the shape of the PNG, in the colour of the classes.
+  void stencil(std::string_view png, CGRect rect, std::string_view classes);
+
+  // Each is an attribute of a group.
+  std::string clip(CGRect rect, double radius);
+  std::string shadow(CGSize offset, double radius, double opacity);
+
+  /// The whole picture. Nothing can be drawn afterwards.
+  std::string finished() &&;
+
+private:
+  friend class Group;
+  std::string newName();
+
+  std::string code;
+  int names = 0;
+};
+
+/// What is drawn while it lives belongs to a group with these attributes.
+class Group {
+public:
+  Group(Svg& picture, const std::string& attributes);
+  ~Group();
+  Group(const Group&) = delete;
+  Group& operator=(const Group&) = delete;
+
+private:
+  Svg& svg;
+};
+
+} // namespace desktop

@@ -1,0 +1,151 @@
+#include "desktop/appkit/Layout.hpp"
+#include "desktop/drawing/Parts.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace desktop {
+namespace {
+
+/// One window's content on its way to the page.
+struct Content {
+  Svg& svg;
+  /// Its top left corner.
+  CGPoint origin;
+  /// What lies outside is not seen.
+  double top;
+  double bottom;
+};
+
+CGRect frameOnPage(const Content& content, View& view) {
+  CGRect frame = frameFromTop(view);
+  frame.origin.x += content.origin.x;
+  frame.origin.y += content.origin.y;
+  return frame;
+}
+
+const char* classOf(const Color* color) {
+  if (color == nullptr) return "label";
+  switch (color->ink) {
+  case Color::Ink::Black:
+    return "black";
+  case Color::Ink::SecondaryLabel:
+    return "secondaryLabel";
+  default:
+    return "label";
+  }
+}
+
+/// Cut off at the frame where it is longer.
+void drawLine(Svg& svg, const std::u16string& line, CGRect frame, Typeface face, const char* classes) {
+  std::optional<Group> cut;
+  // A frame has whole points: what a text has more than that is no letter.
+  if (textWidth(line, face) > std::ceil(frame.size.width)) cut.emplace(svg, svg.clip(frame, 0));
+  svg.text(line, {frame.origin.x, middleY(frame)}, face, classes);
+}
+
+void drawLabel(Svg& svg, const TextField& label, CGRect frame) {
+  frame.size.height = lineHeight(label.face());
+  for (const auto& line : label.shownLines()) {
+    drawLine(svg, line, frame, label.face(), classOf(label.textColor));
+    frame.origin.y += frame.size.height;
+  }
+}
+
+void drawCheckbox(Svg& svg, const Button& button, CGRect frame) {
+  constexpr double side = 14;
+  constexpr double toTitle = 20;
+  const CGRect square{{frame.origin.x, middleY(frame) - side / 2}, {side, side}};
+  if (button.isOn()) {
+    svg.rectangle(square, 3.5, "accent");
+    svg.path(square.origin, "M3.7 7.5L6 10L10.4 4.2", "mark checkMark");
+  } else {
+    svg.rectangle(square, 3.5, "well");
+    svg.rectangle(insetBy(square, 0.5), 3, "line controlEdge");
+  }
+  frame.origin.x += toTitle;
+  frame.size.width -= toTitle;
+  drawLine(svg, unitsOf(button.title.get()), frame, button.face(), classOf(button.tint));
+}
+
+void drawInlineButton(Svg& svg, const Button& button, CGRect frame) {
+  svg.rectangle(frame, frame.size.height / 2, "capsule");
+  svg.centredText(unitsOf(button.title.get()), {middleX(frame), middleY(frame)}, button.face(), classOf(button.tint));
+}
+
+void drawButton(Svg& svg, const Button& button, CGRect frame) {
+  if (button.isCheckbox()) return drawCheckbox(svg, button, frame);
+  if (button.bezelStyle == Button::inlineBezel) return drawInlineButton(svg, button, frame);
+  drawPushButton(svg, frame, button.title.get(), false);
+}
+
+void drawItself(Svg& svg, View& view, CGRect frame) {
+  if (const auto* label = ifIs<TextField>(&view)) return drawLabel(svg, *label, frame);
+  if (const auto* button = ifIs<Button>(&view)) return drawButton(svg, *button, frame);
+  if (const auto* picture = ifIs<ImageView>(&view)) {
+    if (picture->image) drawImage(svg, *picture->image, frame, "label");
+  } else if (const auto* box = ifIs<Box>(&view); box != nullptr && box->type == Box::separator) {
+    svg.rectangle({{frame.origin.x, std::floor(middleY(frame))}, {frame.size.width, 1}}, 0, "separator");
+  }
+}
+
+/// Its length says how much of the document is seen; it lies over the content.
+void drawScroller(Svg& svg, const ScrollView& scroll, CGRect frame) {
+  constexpr double width = 7;
+  constexpr double margin = 3;
+  const double document = scroll.document != nullptr ? scroll.document->frame.size.height : 0;
+  const double visible = frame.size.height;
+  if (!scroll.hasVerticalScroller || document <= visible) return;
+  const double track = visible - 2 * margin;
+  svg.rectangle({{frame.origin.x + frame.size.width - width - margin, frame.origin.y + margin},
+                 {width, std::max(2 * width, track * visible / document)}},
+                width / 2, "scroller");
+}
+
+void draw(const Content& content, View& view) {
+  Svg& svg = content.svg;
+  const CGRect frame = frameOnPage(content, view);
+  const bool isSeen = frame.origin.y < content.bottom && frame.origin.y + frame.size.height > content.top;
+  std::optional<Group> shadow;
+  std::optional<Group> mask;
+  if (const Layer* layer = view.layer(); layer != nullptr && isSeen) {
+    const bool hasShadow = layer->shadowColor != nullptr && layer->shadowOpacity > 0;
+    const CGSize downwards = {layer->shadowOffset.width, -layer->shadowOffset.height};
+    if (hasShadow) shadow.emplace(svg, svg.shadow(downwards, layer->shadowRadius, layer->shadowOpacity));
+    if (layer->masksToBounds) mask.emplace(svg, svg.clip(frame, layer->cornerRadius));
+  }
+  if (isSeen) drawItself(svg, view, frame);
+
+  Content inside = content;
+  const auto* const scroll = ifIs<ScrollView>(&view);
+  if (scroll != nullptr) {
+    mask.emplace(svg, svg.clip(frame, 0));
+    inside.top = std::max(content.top, frame.origin.y);
+    inside.bottom = std::min(content.bottom, frame.origin.y + frame.size.height);
+  }
+  for (const auto& subview : view.subviews)
+    draw(inside, *subview);
+  if (scroll != nullptr) drawScroller(svg, *scroll, frame);
+}
+
+} // namespace
+
+std::u16string unitsOf(const String* text) {
+  return text != nullptr ? text->text : std::u16string();
+}
+
+void drawPushButton(Svg& svg, CGRect frame, const String* title, bool isDefault) {
+  const double radius = std::min(6.0, frame.size.height / 4);
+  {
+    const Group raised(svg, svg.shadow({0, 0.5}, 0.6, 0.22));
+    svg.rectangle(frame, radius, isDefault ? "accent" : "control");
+  }
+  if (!isDefault) svg.rectangle(insetBy(frame, 0.25), radius, "hairline controlEdge");
+  svg.centredText(unitsOf(title), {middleX(frame), middleY(frame)}, Typeface(), isDefault ? "onAccent" : "label");
+}
+
+void drawView(Svg& svg, View& view, CGPoint origin) {
+  draw({svg, origin, origin.y, origin.y + view.frame.size.height}, view);
+}
+
+} // namespace desktop
