@@ -28,7 +28,8 @@ bool MainQueue::runNext() {
 }
 
 std::int64_t MainQueue::nextMoment(std::int64_t limit) const {
-  return blocks.empty() ? limit : std::min(limit, std::max(now, blocks.front().due));
+  // A running block holds back those behind it, whenever they were due.
+  return running || blocks.empty() ? limit : std::min(limit, std::max(now, blocks.front().due));
 }
 
 } // namespace desktop

@@ -16,7 +16,7 @@ public:
   void add(std::int64_t due, void* context, Work work);
   /// Runs the next block that is due; false when there is none, or when one is running: never one inside another.
   bool runNext();
-  /// The moment at which the next block becomes due, if that is no later than `limit`; else `limit`.
+  /// The moment at which the next block can run, if that is no later than `limit`; else `limit`.
   std::int64_t nextMoment(std::int64_t limit) const;
   /// Drops all blocks: their process has ended.
   void clear() { blocks.clear(); }

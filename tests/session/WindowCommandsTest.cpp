@@ -1,0 +1,70 @@
+#include "tests/support/TestDesktop.hpp"
+
+namespace desktop {
+namespace {
+
+/// The facts from the first one of that name on.
+std::string from(const std::string& name, const std::string& trace) {
+  return trace.substr(std::min(trace.find(name), trace.size()));
+}
+
+TEST(WindowCommands, WithoutAWindowThereIsNothingToActOn) {
+  EXPECT_EQ(
+      TestDesktop().play({"click \"Open Login Items\"\nclose\nresize 500 500\nshow window\nchoose /A.app\ncancel"}),
+      "status\timage\n"
+      "lost\tclick \"Open Login Items\"\nlost\tclose\nlost\tresize 500 500\nlost\tshow window\n"
+      "lost\tchoose /A.app\nlost\tcancel\nterminate\n");
+}
+
+TEST(WindowCommands, AClickBringsTheProgramToTheFrontAndACloseDoesNot) {
+  TestDesktop desktop;
+  const auto frontmost = [&] { return desktop.machine.frontmost->name; };
+  desktop.play({
+      "menu Settings…\nfront Editor\nclick Nonsense\nclick \"Open Login Items\" 2",
+      [&] { EXPECT_EQ(frontmost(), "Editor"); },
+      "click \"Save (Ctrl+S)\"",
+      [&] { EXPECT_EQ(frontmost(), "Tarnwick"); },
+      "front Editor\nclose",
+      [&] { EXPECT_EQ(frontmost(), "Editor"); },
+  });
+}
+
+TEST(WindowCommands, ACheckboxChangesWhenItIsClickedAndTheUserKeepsTheirSize) {
+  const auto trace =
+      TestDesktop().play({"menu Settings…\nclick \"Save (Ctrl+S)\"\nclick \"Find (Ctrl+F)\"\n"
+                          "click \"Save (Ctrl+S)\"\nshow window\nresize 100 600\nclose\nmenu Settings…"});
+  EXPECT_NE(trace.find("checkbox\tSave (Ctrl+S)\ton\n"), std::string::npos);
+  EXPECT_NE(trace.find("checkbox\tFind (Ctrl+F)\toff\n"), std::string::npos);
+  EXPECT_NE(trace.find("heading\tText Editing\n"), std::string::npos);
+  EXPECT_NE(trace.find("label\tVersion 1.0.0\n"), std::string::npos);
+  EXPECT_EQ(from("window\tTarnwick Settings\t460", trace),
+            "window\tTarnwick Settings\t460\t600\nfront\tTarnwick\nterminate\n");
+}
+
+TEST(WindowCommands, RowsTellEqualTitlesApart) {
+  TestDesktop desktop;
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.a", u"org.b", u"org.c"});
+  EXPECT_EQ(from("lost", desktop.play({"menu Settings…\nclick Remove 4\nclick Remove 2\nshow defaults"})),
+            "lost\tclick Remove 4\ndefault\texemptBundleIDs\torg.a\torg.c\nterminate\n");
+}
+
+TEST(WindowCommands, AnAlertMayStandInFrontOfAPanel) {
+  EXPECT_EQ(from("panel", TestDesktop().play({"menu Settings…\nclick \"Choose App…\"\nquit\nclose\nresize 500 500\n"
+                                              "menu Settings…\nclick \"Choose App…\"\nshow alert\n"
+                                              "front Finder\ndown forwarddelete\ncancel\nclick Cancel\ncancel"})),
+            "panel\tChoose Application to Exempt\n"
+            "lost\tquit\nlost\tclose\nlost\tresize 500 500\nlost\tmenu Settings…\nlost\tclick \"Choose App…\"\n"
+            "lost\tshow alert\nswallowed\tdown\t0x75\t0x800000\n"
+            "alert\tMove selected item to Bin?\tThis will move the selected Finder item to Bin.\tMove to Bin\tCancel\n"
+            "lost\tcancel\nanswer\tCancel\nanswer\t-\nterminate\n");
+}
+
+TEST(WindowCommands, AtTheEndOfTheInputAlertsAndPanelsEndUnanswered) {
+  TestDesktop desktop;
+  EXPECT_EQ(from("panel", desktop.play({"menu Settings…\nclick \"Choose App…\""})),
+            "panel\tChoose Application to Exempt\nterminate\n");
+  EXPECT_EQ(desktop.machine.defaults->file->value(u"exemptBundleIDs"), nullptr);
+}
+
+} // namespace
+} // namespace desktop
