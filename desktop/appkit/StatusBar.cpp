@@ -51,7 +51,7 @@ void StatusItem::setMenu(Menu* value) {
 }
 
 Menu* AppKit::statusMenu() const {
-  return statusItems.empty() ? nullptr : statusItems.front()->menu.get();
+  return isTerminated || statusItems.empty() ? nullptr : statusItems.front()->menu.get();
 }
 
 void registerStatusBarClasses() {

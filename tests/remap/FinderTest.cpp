@@ -139,91 +139,88 @@ TEST_F(FinderTest, IsNotAskedAboutByARemapperThatIsGone) {
   EXPECT_EQ(desktop.trace(), "");
 }
 
-/// The question before the move, told as a session.
-class Confirmation : public testing::Test {
-protected:
+// The question before the move, told as sessions.
+
+const std::string swallowed = "swallowed\tdown\t0x75\t0x800000\nswallowed\tup\t0x75\t0x800000\n";
+const std::string alert = "alert\tMove selected item to Bin?\tThis will move the selected Finder item to Bin.\tMove to "
+                          "Bin\tCancel\n";
+const std::string consent = "answer\tMove to Bin\n";
+const std::string refusal = "answer\tCancel\n";
+const std::string forward = "front\tFinder\n";
+const std::string deleted = "post\tdown\t0x33\t0x100000\npost\tup\t0x33\t0x100000\n"
+                            "key\tFinder\tdown\t0x33\t0x100000\nkey\tFinder\tup\t0x33\t0x100000\n";
+
+/// The trace from the launch on, with the Finder in front, without the status item and the end.
+std::string play(desktop::TestDesktop& desktop, const std::vector<desktop::Step>& steps) {
+  std::vector<desktop::Step> all{"front Finder"};
+  all.insert(all.end(), steps.begin(), steps.end());
+  const std::string trace = desktop.play(all);
+  const std::string begin = "status\timage\n";
+  const std::string end = "terminate\n";
+  EXPECT_TRUE(trace.starts_with(begin) && trace.ends_with(end)) << trace;
+  return trace.substr(begin.size(), trace.size() - begin.size() - end.size());
+}
+
+std::string play(const std::string& session) {
   desktop::TestDesktop desktop;
-  desktop::Desktop& machine = desktop.machine;
+  return play(desktop, {session});
+}
 
-  static inline const std::string swallowed = "swallowed\tdown\t0x75\t0x800000\nswallowed\tup\t0x75\t0x800000\n";
-  static inline const std::string alert = "alert\tMove selected item to Bin?\tThis will move the selected Finder item "
-                                          "to Bin.\tMove to Bin\tCancel\n";
-  static inline const std::string consent = "answer\tMove to Bin\n";
-  static inline const std::string refusal = "answer\tCancel\n";
-  static inline const std::string forward = "front\tFinder\n";
-  static inline const std::string posted = "post\tdown\t0x33\t0x100000\npost\tup\t0x33\t0x100000\n";
-  static inline const std::string deleted = posted + "key\tFinder\tdown\t0x33\t0x100000\n"
-                                                     "key\tFinder\tup\t0x33\t0x100000\n";
-
-  /// The trace from the launch on, with the Finder in front, without the status item and the end.
-  std::string play(std::vector<desktop::Step> steps) {
-    steps.insert(steps.begin(), "front Finder");
-    std::string trace = desktop.play(steps);
-    const std::string begin = "status\timage\n";
-    const std::string end = "terminate\n";
-    EXPECT_EQ(trace.substr(0, begin.size()), begin);
-    EXPECT_EQ(trace.substr(trace.size() - end.size()), end);
-    return trace.substr(begin.size(), trace.size() - begin.size() - end.size());
-  }
-};
-
-TEST_F(Confirmation, TypesTheFindersShortcutAMomentAfterConsent) {
-  EXPECT_EQ(play({"press forwarddelete\n click \"Move to Bin\"\n wait 0.049", [&] { desktop.facts.push_back({"--"}); },
-                  "wait 0.001"}),
+TEST(Confirmation, TypesTheFindersShortcutAMomentAfterConsent) {
+  desktop::TestDesktop desktop;
+  EXPECT_EQ(play(desktop, {"press forwarddelete\n click \"Move to Bin\"\n wait 0.049",
+                           [&] { desktop.facts.push_back({"--"}); }, "wait 0.001"}),
             swallowed + alert + consent + forward + "--\n" + deleted);
 }
 
-TEST_F(Confirmation, PostsNothingUponRefusalAndAsksAgain) {
-  EXPECT_EQ(play({"press forwarddelete\n click Cancel\n wait 1\n press forwarddelete\n click Cancel"}),
+TEST(Confirmation, PostsNothingUponRefusalAndAsksAgain) {
+  EXPECT_EQ(play("press forwarddelete\n click Cancel\n wait 1\n press forwarddelete\n click Cancel"),
             swallowed + alert + refusal + swallowed + alert + refusal);
 }
 
-TEST_F(Confirmation, IsAskedOnceHoweverOftenTheKeyComes) {
+TEST(Confirmation, IsAskedOnceHoweverOftenTheKeyComes) {
   const std::string down = "swallowed\tdown\t0x75\t0x800000\n";
-  EXPECT_EQ(play({"down forwarddelete\n down forwarddelete\n press forwarddelete 2\n up forwarddelete\n click Cancel\n "
-                  "wait 1"}),
+  EXPECT_EQ(play("down forwarddelete\n down forwarddelete\n press forwarddelete 2\n up forwarddelete\n click Cancel\n "
+                 "wait 1"),
             down + alert + down + swallowed + swallowed + "swallowed\tup\t0x75\t0x800000\n" + refusal);
 }
 
-TEST_F(Confirmation, KeepsTheTapServedMeanwhile) {
-  EXPECT_EQ(play({"press forwarddelete\n down ctrl+c\n front Editor\n down ctrl+c\n click \"Move to Bin\"\n wait 1"}),
+TEST(Confirmation, KeepsTheTapServedMeanwhile) {
+  EXPECT_EQ(play("press forwarddelete\n down ctrl+c\n front Editor\n down ctrl+c\n click \"Move to Bin\"\n wait 1"),
             swallowed + alert + "key\tFinder\tdown\t0x08\t0x100000\nkey\tEditor\tdown\t0x08\t0x100000\n" + consent +
                 forward + deleted);
 }
 
-TEST_F(Confirmation, DoesNotCarryOverModifiersThatAreStillHeld) {
-  EXPECT_EQ(play({"press forwarddelete\n raw down 0x00 0x20102\n click \"Move to Bin\"\n wait 1"}),
+TEST(Confirmation, DoesNotCarryOverModifiersThatAreStillHeld) {
+  EXPECT_EQ(play("press forwarddelete\n raw down 0x00 0x20102\n click \"Move to Bin\"\n wait 1"),
             swallowed + alert + "key\tFinder\tdown\t0x00\t0x20102\n" + consent + forward + deleted);
 }
 
-TEST_F(Confirmation, FindsNoFinderAndLeavesNothingPending) {
-  EXPECT_EQ(play({"press forwarddelete\n end Finder\n click \"Move to Bin\"\n wait 1\n app Finder com.apple.finder\n "
-                  "front Finder\n press forwarddelete\n click Cancel"}),
+TEST(Confirmation, FindsNoFinderAndLeavesNothingPending) {
+  EXPECT_EQ(play("press forwarddelete\n end Finder\n click \"Move to Bin\"\n wait 1\n app Finder com.apple.finder\n "
+                 "front Finder\n press forwarddelete\n click Cancel"),
             swallowed + alert + consent + swallowed + alert + refusal);
 }
 
-TEST_F(Confirmation, NeverPostsHalfAKeyPress) {
+TEST(Confirmation, NeverPostsHalfAKeyPress) {
   for (bool desktop::Faults::*fault : {&desktop::Faults::keyDownEvent, &desktop::Faults::keyUpEvent}) {
     desktop::TestDesktop own;
     own.machine.faults.*fault = true;
-    const std::string trace = own.play({"front Finder\n press forwarddelete\n click \"Move to Bin\"\n wait 1"});
-    EXPECT_EQ(trace.find("post"), std::string::npos) << trace;
-    EXPECT_NE(trace.find(forward), std::string::npos) << trace;
+    EXPECT_EQ(play(own, {"press forwarddelete\n click \"Move to Bin\"\n wait 1"}),
+              swallowed + alert + consent + forward);
   }
 }
 
-TEST_F(Confirmation, CanBeAskedForAgainBeforeTheKeyPressIsPosted) {
+TEST(Confirmation, CanBeAskedForAgainBeforeTheKeyPressIsPosted) {
   // The second alert runs on the main queue, so the key press behind it waits until it is answered.
-  EXPECT_EQ(
-      play({"press forwarddelete\n click \"Move to Bin\"\n press forwarddelete\n wait 1\n click Cancel\n wait 1"}),
-      swallowed + alert + consent + forward + swallowed + alert + refusal + deleted);
+  EXPECT_EQ(play("press forwarddelete\n click \"Move to Bin\"\n press forwarddelete\n wait 1\n click Cancel\n wait 1"),
+            swallowed + alert + consent + forward + swallowed + alert + refusal + deleted);
 }
 
-TEST_F(Confirmation, EndsWithTheInputAndWithTheProgram) {
-  EXPECT_EQ(play({"press forwarddelete"}), swallowed + alert);
-  desktop::TestDesktop other;
-  EXPECT_EQ(other.play({"front Finder\n press forwarddelete\n quit\n click \"Move to Bin\"\n quit\n wait 1"}),
-            "status\timage\n" + swallowed + alert + "lost\t quit\n" + consent + forward + "terminate\n")
+TEST(Confirmation, EndsWithTheInputAndWithTheProgram) {
+  EXPECT_EQ(play("press forwarddelete"), swallowed + alert);
+  EXPECT_EQ(play("press forwarddelete\nquit\nclick \"Move to Bin\"\nquit"),
+            swallowed + alert + "lost\tquit\n" + consent + forward)
       << "what was scheduled goes with the process";
 }
 
