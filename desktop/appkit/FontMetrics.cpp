@@ -34,7 +34,8 @@ int advanceOf(char16_t unit) {
   if (unit >= u' ' && unit <= u'~') return advances[unit - u' '];
   const bool isCombining = unit >= 0x300 && unit < 0x370;
   if (unit < u' ' || isCombining || isLowSurrogate(unit)) return 0;
-  return unit >= 0x2E80 || unit == ellipsis.front() ? fullWidth : otherLetter;
+  // From arrows and the signs of keys on, few characters are narrow.
+  return unit >= 0x2190 || unit == ellipsis.front() ? fullWidth : otherLetter;
 }
 
 } // namespace

@@ -29,13 +29,13 @@ void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
 
 } // namespace
 
-std::string drawScreen(const Desktop& desktop, bool menuIsOpen) {
+std::string drawScreen(const Desktop& desktop, const MenuBarState& menuBar) {
   if (!desktop.screen) return drawNoScreen();
   const CGSize page{desktop.screen->width, menuBarHeight + desktop.screen->height};
   Svg svg(page);
   drawWallpaper(svg, page);
   if (!desktop.appKit->isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.screen});
-  drawMenuBar(svg, desktop, page.width, menuIsOpen);
+  drawMenuBar(svg, desktop, page.width, menuBar);
   return std::move(svg).finished();
 }
 

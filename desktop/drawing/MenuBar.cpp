@@ -6,6 +6,8 @@
 namespace desktop {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr Typeface plainFace{13, false};
 constexpr Typeface boldFace{13, true};
 constexpr double middle = menuBarHeight / 2;
@@ -104,7 +106,7 @@ void drawControlCentre(Svg& svg, double x) {
 /// From the right: clock, system, status items. Answers where they begin.
 double drawRightHalf(Svg& svg, const Desktop& desktop, double right, bool menuIsOpen) {
   const std::u16string clock = clockText(desktop.queue.now);
-  double x = right - 12 - textWidth(clock, plainFace);
+  double x = std::floor(right - 12 - textWidth(clock, plainFace));
   svg.text(clock, {x, middle}, plainFace, "barLabel");
   x -= gap + 10;
   drawControlCentre(svg, x);
@@ -121,19 +123,20 @@ double drawRightHalf(Svg& svg, const Desktop& desktop, double right, bool menuIs
   return x;
 }
 
-/// The system's menu, then the frontmost application's as far as there is room.
-void drawLeftHalf(Svg& svg, const RunningApplication* frontmost, double room) {
-  double x = 14;
-  svg.path({x, middle - 7},
+void drawSystemMenu(Svg& svg) {
+  svg.path({14, middle - 7},
            "M6.5 4C5 2.9 1 3.1 1 7.6C1 11 3.1 13.6 4.6 13.6C5.4 13.6 5.9 13.2 6.5 13.2S7.6 13.6 8.4 13.6"
-           "C9.9 13.6 12 11 12 7.6C12 3.1 8 2.9 6.5 4zM6.6 2.9C6.6 1.3 7.7 .2 9.3 .1"
-           "C9.3 1.8 8.2 2.9 6.6 2.9z",
+           "C9.9 13.6 12 11 12 7.6C12 3.1 8 2.9 6.5 4zM6.6 2.9C6.6 1.3 7.7 .2 9.3 .1C9.3 1.8 8.2 2.9 6.6 2.9z",
            "barLabel");
-  x += 13 + gap;
-  if (frontmost == nullptr) return;
+}
+
+/// As many of them as there is room for. All applications of the desktop have the same.
+void drawApplicationMenus(Svg& svg, const std::string& application, double room) {
+  double x = 48;
   Typeface face = boldFace;
-  for (const auto& title : {utf16(frontmost->name).value_or(u""), std::u16string(u"File"), std::u16string(u"Edit"),
-                            std::u16string(u"View"), std::u16string(u"Window"), std::u16string(u"Help")}) {
+  const std::u16string name = utf16(application).value_or(u"");
+  for (const std::u16string_view title :
+       {std::u16string_view(name), u"File"sv, u"Edit"sv, u"View"sv, u"Window"sv, u"Help"sv}) {
     const double width = textWidth(title, face);
     if (x + width > room - gap) return;
     svg.text(title, {x, middle}, face, "barLabel");
@@ -158,10 +161,11 @@ void drawWallpaper(Svg& svg, CGSize page) {
   wave(0.9, 0.82);
 }
 
-void drawMenuBar(Svg& svg, const Desktop& desktop, double width, bool menuIsOpen) {
+void drawMenuBar(Svg& svg, const Desktop& desktop, double width, const MenuBarState& state) {
   svg.rectangle({{0, 0}, {width, menuBarHeight}}, 0, "menuBar");
-  const double free = drawRightHalf(svg, desktop, width, menuIsOpen);
-  drawLeftHalf(svg, desktop.frontmost.get(), free);
+  const double free = drawRightHalf(svg, desktop, width, state.menuIsOpen);
+  drawSystemMenu(svg);
+  if (state.owner) drawApplicationMenus(svg, state.owner->name, free);
 }
 
 } // namespace desktop

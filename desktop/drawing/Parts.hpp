@@ -2,6 +2,7 @@
 #pragma once
 
 #include "desktop/appkit/AppKit.hpp"
+#include "desktop/drawing/Drawing.hpp"
 #include "desktop/drawing/Svg.hpp"
 
 namespace desktop {
@@ -26,7 +27,7 @@ void drawAlert(Svg& svg, const Alert& alert, CGRect screen);
 void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen);
 
 void drawWallpaper(Svg& svg, CGSize page);
-/// Over the whole width of the page, with the menu of the status item if that is open.
-void drawMenuBar(Svg& svg, const Desktop& desktop, double width, bool menuIsOpen);
+/// Over the whole width of the page.
+void drawMenuBar(Svg& svg, const Desktop& desktop, double width, const MenuBarState& state);
 
 } // namespace desktop

@@ -15,12 +15,17 @@ bool isPng(std::string_view bytes) {
   return bytes.size() >= throughWidth && bytes.starts_with("\x89PNG\r\n\x1a\n");
 }
 
-std::size_t pixelsOf(std::string_view png) {
-  return bigEndian(png, 16);
+/// Its width; 0 for none.
+double pixelsOf(std::string_view png) {
+  return png.empty() ? 0 : static_cast<double>(bigEndian(png, 16));
 }
 
 /// Of the pictures in an icon file the smallest that is large enough, else the largest; empty when there is none.
-std::string_view pictureIn(std::string_view icns, double pixels) {
+std::string_view pictureIn(std::string_view icns, double enough) {
+  const auto suitsBetter = [&](std::string_view one, std::string_view other) {
+    if (pixelsOf(other) < enough) return pixelsOf(one) > pixelsOf(other);
+    return pixelsOf(one) >= enough && pixelsOf(one) < pixelsOf(other);
+  };
   constexpr std::size_t header = 8;
   std::string_view best;
   for (std::size_t at = header; at + header <= icns.size();) {
@@ -28,10 +33,7 @@ std::string_view pictureIn(std::string_view icns, double pixels) {
     if (length < header || length > icns.size() - at) break;
     const auto body = icns.substr(at + header, length - header);
     at += length;
-    if (!isPng(body)) continue;
-    const bool isEnough = !best.empty() && static_cast<double>(pixelsOf(best)) >= pixels;
-    const bool isLarger = best.empty() || pixelsOf(body) > pixelsOf(best);
-    if (isEnough ? !isLarger && static_cast<double>(pixelsOf(body)) >= pixels : isLarger) best = body;
+    if (isPng(body) && suitsBetter(body, best)) best = body;
   }
   return best;
 }

@@ -41,9 +41,12 @@ constexpr Shade shades[] = {
 
     {"control", "fill", "#fff", "#656467"},
     {"controlEdge", "stroke", "rgba(0,0,0,.16)", "rgba(0,0,0,.3)"},
+    {"checkBox", "fill", "#fff", "#5f5e61"},
     {"accent", "fill", "#007aff", "#0a84ff"},
-    {"onAccent", "fill", "#fff", nullptr},
     {"checkMark", "stroke", "#fff", nullptr},
+    {"inactive .accent", "fill", "#d8d7d8", "#5f5e61"},
+    {"inactive .checkMark", "stroke", "rgba(0,0,0,.7)", "rgba(255,255,255,.8)"},
+    {"onAccent", "fill", "#fff", nullptr},
     {"capsule", "fill", "rgba(0,0,0,.09)", "rgba(255,255,255,.14)"},
     {"well", "fill", "#fff", "#262526"},
     {"chevron", "stroke", "rgba(0,0,0,.5)", "rgba(255,255,255,.55)"},
@@ -52,7 +55,7 @@ constexpr Shade shades[] = {
 
 // Lines have no area, and what has a line around it says so with a second class.
 constexpr auto shapes = "text{font-family:-apple-system,BlinkMacSystemFont,'SF Pro Text','Helvetica Neue',Inter,Arial,"
-                        "sans-serif}\n"
+                        "sans-serif;font-variant-ligatures:none;font-feature-settings:'calt' 0}\n"
                         ".line{fill:none;stroke-width:1}\n"
                         ".hairline{fill:none;stroke-width:.5}\n"
                         ".mark{fill:none;stroke-width:1.9;stroke-linecap:round;stroke-linejoin:round}\n"

@@ -60,7 +60,7 @@ void drawCheckbox(Svg& svg, const Button& button, CGRect frame) {
     svg.rectangle(square, 3.5, "accent");
     svg.path(square.origin, "M3.7 7.5L6 10L10.4 4.2", "mark checkMark");
   } else {
-    svg.rectangle(square, 3.5, "well");
+    svg.rectangle(square, 3.5, "checkBox");
     svg.rectangle(insetBy(square, 0.5), 3, "line controlEdge");
   }
   frame.origin.x += toTitle;

@@ -1,6 +1,7 @@
 #include "desktop/drawing/Parts.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace desktop {
 namespace {
@@ -10,9 +11,14 @@ constexpr double buttonGap = 8;
 constexpr Typeface boldFace{13, true};
 constexpr Typeface smallFace{11, false};
 
+/// Windows stand on whole points.
+CGPoint rounded(CGPoint point) {
+  return {std::round(point.x), std::round(point.y)};
+}
+
 /// Where the platform puts what it centres: a third of what is left goes above.
 CGRect centredOn(CGRect screen, CGSize size) {
-  return {{middleX(screen) - size.width / 2, screen.origin.y + (screen.size.height - size.height) / 3}, size};
+  return {rounded({middleX(screen) - size.width / 2, screen.origin.y + (screen.size.height - size.height) / 3}), size};
 }
 
 /// The platform's buttons for closing, miniaturizing and zooming, which only an active window has in colour.
@@ -129,8 +135,8 @@ void drawPanel(Svg& svg, CGRect frame, double radius, std::string_view classes) 
 
 void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive) {
   CGRect frame = window.frame;
-  frame.origin = {screen.origin.x + frame.origin.x,
-                  screen.origin.y + screen.size.height - frame.origin.y - frame.size.height};
+  frame.origin = rounded(
+      {screen.origin.x + frame.origin.x, screen.origin.y + screen.size.height - frame.origin.y - frame.size.height});
   drawPanel(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   CGPoint content = frame.origin;
@@ -140,7 +146,10 @@ void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive) {
     drawTrafficLights(svg, window, bar, isActive);
     content.y += bar.size.height;
   }
-  drawView(svg, *window.contentView(), content);
+  {
+    const Group views(svg, isActive ? "" : " class=\"inactive\"");
+    drawView(svg, *window.contentView(), content);
+  }
   svg.rectangle(insetBy(frame, 0.5), windowRadius - 0.5, "line rim");
 }
 
@@ -191,6 +200,7 @@ void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen) {
   strip.size.height = buttonsHeight;
   svg.rectangle(topOf(strip, 1), 0, "separator");
   drawPanelButtons(svg, panel, strip);
+  svg.rectangle(insetBy(frame, 0.5), windowRadius - 0.5, "line rim");
 }
 
 } // namespace desktop

@@ -1,6 +1,5 @@
 #include "desktop/session/Session.hpp"
 
-#include "desktop/drawing/Drawing.hpp"
 #include "desktop/session/WindowCommands.hpp"
 
 #include <cerrno>
@@ -68,9 +67,15 @@ bool Session::playNext() {
 
 void Session::play(const Command& command) {
   announce(command);
+  noteMenuBarOwner();
   const bool done = carryOut(command);
+  noteMenuBarOwner();
   if (!done) desktop.journal({"lost", command.text});
-  if (command.verb != Verb::Draw) menuIsOpen = done && command.verb == Verb::Show && command.word == Word::Menu;
+  if (command.verb != Verb::Draw) menuBar.menuIsOpen = done && command.verb == Verb::Show && command.word == Word::Menu;
+}
+
+void Session::noteMenuBarOwner() {
+  if (desktop.frontmost.get() != desktop.tarnwick.get()) menuBar.owner = desktop.frontmost;
 }
 
 bool Session::carryOut(const Command& command) {
@@ -223,7 +228,7 @@ void Session::showDefaults() const {
 }
 
 bool Session::draw(const std::string& file) const {
-  const std::string picture = drawScreen(desktop, menuIsOpen);
+  const std::string picture = drawScreen(desktop, menuBar);
   std::ofstream stream(file, std::ios::binary);
   stream << picture;
   stream.close();

@@ -1,6 +1,7 @@
 /// A session: the user of the desktop, played from a script or at a prompt.
 #pragma once
 
+#include "desktop/drawing/Drawing.hpp"
 #include "desktop/quartz/Desktop.hpp"
 #include "desktop/session/SessionGrammar.hpp"
 
@@ -47,8 +48,9 @@ private:
   Source source;
   /// The command that launched the program by being none of those that come before; carried out first.
   std::optional<Command> waiting;
+  void noteMenuBarOwner();
   /// A menu that was shown stays open for pictures of it, until the user does something else.
-  bool menuIsOpen = false;
+  MenuBarState menuBar;
 };
 
 } // namespace desktop
