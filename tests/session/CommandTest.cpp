@@ -1,0 +1,160 @@
+#include "tests/support/Command.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path sessions = fs::path(TARNWICK_SOURCE_DIR) / "tests" / "sessions";
+
+/// What the first line of a session asks the command for: `# options: --defaults FILE`.
+std::string optionsOf(const std::string& session) {
+  const std::string marker = "# options: ";
+  if (session.rfind(marker, 0) != 0) return "";
+  return session.substr(marker.size(), session.find('\n') - marker.size());
+}
+
+std::vector<std::string> sessionNames() {
+  std::vector<std::string> names;
+  for (const auto& entry : fs::directory_iterator(sessions)) {
+    if (entry.path().extension() == ".txt") names.push_back(entry.path().stem().string());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// Plays NAME.txt and expects NAME.trace, in a copy of their folder that the session may write to.
+class Sessions : public testing::TestWithParam<std::string> {};
+
+TEST_P(Sessions, LeaveTheirTrace) {
+  const TemporaryFolder folder;
+  fs::copy(sessions, folder.path, fs::copy_options::recursive);
+  const std::string session = GetParam() + ".txt";
+  const std::string options = optionsOf(contentsOf(folder.path / session));
+  const CommandRun traced = runCommand(folder.path, "--trace " + options + " " + session);
+  EXPECT_EQ(traced.output, contentsOf(sessions / (GetParam() + ".trace")));
+  EXPECT_EQ(traced.complaints, "");
+  EXPECT_EQ(traced.status, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Sessions, testing::ValuesIn(sessionNames()),
+                         [](const auto& name) { return name.param; });
+
+class CommandTest : public testing::Test {
+protected:
+  TemporaryFolder folder;
+
+  CommandRun run(const std::string& arguments, const std::string& input = "") {
+    return runCommand(folder.path, arguments, input);
+  }
+};
+
+TEST_F(CommandTest, TellsPeopleWhatHappened) {
+  const CommandRun told = run("", "press ctrl+c\nfront none\ndown win+l # locks\nmenu Nothing\n");
+  EXPECT_EQ(told.output, "    the status bar shows Tarnwick's image\n"
+                         "press ctrl+c\n"
+                         "    Editor receives Cmd+C pressed\n"
+                         "    Editor receives Cmd+C released\n"
+                         "front none\n"
+                         "down win+l # locks\n"
+                         "    nobody receives Cmd+Ctrl+Q pressed\n"
+                         "menu Nothing\n"
+                         "    nothing to act on\n"
+                         "    Tarnwick has quit\n");
+  EXPECT_EQ(told.status, 0);
+}
+
+TEST_F(CommandTest, RunsNothingOfASessionWithAMistake) {
+  const struct {
+    const char* mistake;
+    const char* complaint;
+  } mistakes[] = {
+      {"jump", ":3: unknown command"},
+      {"press", ":3: missing KEYS"},
+      {"press ctrl+nonsense", ":3: "},
+      {"raw down 0x10000 0", ":3: "},
+      {"menu \"Settings", ":3: "},
+      {"press ctrl+c 0", ":3: "},
+      {"wait -1", ":3: "},
+      {"app Editor", ":3: "},
+      {"quit now", ":3: extra argument"},
+      {"press ctrl", ":3: "},
+      {"launch\nlaunch", ":4: "},
+      {"tap sometimes", ":3: "},
+      {"raw sideways 0x08 0", ":3: "},
+      {"raw up 8 0x1ffffffffffffffff", ":3: "},
+      {"menu \"\\q\"", ":3: "},
+  };
+  for (const auto& [mistake, complaint] : mistakes) {
+    const std::string session = "trust no # and nothing of this may run\nfront none\n" + std::string(mistake) + "\n";
+    writeFile(folder.path / "bad.txt", session);
+    for (const auto& [refused, name] :
+         {std::pair{run("--trace bad.txt"), "bad.txt"}, std::pair{run("", session), "-"}}) {
+      EXPECT_EQ(refused.status, 2) << mistake;
+      EXPECT_EQ(refused.output, "") << mistake;
+      EXPECT_EQ(refused.complaints.rfind(name + std::string(complaint), 0), 0U)
+          << mistake << ": " << refused.complaints;
+      EXPECT_EQ(std::count(refused.complaints.begin(), refused.complaints.end(), '\n'), 1) << refused.complaints;
+    }
+  }
+}
+
+TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
+  writeFile(folder.path / "good.txt", "press ctrl+c\n");
+  const struct {
+    const char* arguments;
+    const char* complaint;
+  } mistakes[] = {
+      {"missing.txt", "missing.txt: cannot be read: No such file or directory\n"},
+      {".", ".: cannot be read: Is a directory\n"},
+      {"--loud good.txt", "tarnwick: unknown option --loud\n"},
+      {"-t good.txt", "tarnwick: unknown option -t\n"},
+      {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
+      {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
+      {"good.txt --bundle", "tarnwick: the option --bundle wants a name after it\n"},
+  };
+  for (const auto& [arguments, complaint] : mistakes) {
+    const CommandRun refused = run(arguments);
+    EXPECT_EQ(refused.status, 2) << arguments;
+    EXPECT_EQ(refused.output, "") << arguments;
+    EXPECT_EQ(refused.complaints, complaint);
+  }
+}
+
+TEST_F(CommandTest, GoesOnWithoutABundle) {
+  const CommandRun bare = run("--trace --bundle nowhere", "down ctrl+c");
+  EXPECT_EQ(bare.output, "status\tTarnwick\nkey\tEditor\tdown\t0x08\t0x100000\nterminate\n");
+  EXPECT_EQ(bare.status, 0);
+}
+
+TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
+  const std::string broken = "<plist><dict><key>exemptBundleIDs";
+  writeFile(folder.path / "broken.plist", broken);
+  const CommandRun first = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
+  EXPECT_EQ(first.output, "status\timage\nkey\tEditor\tdown\t0x08\t0x100000\ndefault\texemptBundleIDs\t-\nterminate\n");
+  EXPECT_EQ(first.status, 0);
+  EXPECT_NE(first.complaints.find("broken.plist"), std::string::npos) << first.complaints;
+  EXPECT_EQ(contentsOf(folder.path / "broken.plist"), broken);
+
+  // Something is saved: an application chosen in the settings window.
+  fs::create_directories(folder.path / "Chosen.app" / "Contents");
+  writeFile(folder.path / "Chosen.app/Contents/Info.plist",
+            writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
+  run("--defaults broken.plist", "menu Settings…\nclick \"Choose App…\"\nchoose Chosen.app");
+  EXPECT_EQ(contentsOf(folder.path / "broken.plist.broken"), broken);
+  const CommandRun next = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
+  EXPECT_EQ(next.output, "status\timage\nkey\tEditor\tdown\t0x08\t0x40000\n"
+                         "default\texemptBundleIDs\tcom.example.editor\nterminate\n");
+  EXPECT_EQ(next.complaints, "");
+}
+
+TEST_F(CommandTest, MakesNoDefaultsFileWithoutNeed) {
+  const CommandRun fresh = run("--trace --defaults new.plist", "press ctrl+c\nmenu \"Disable Tarnwick\"");
+  EXPECT_EQ(fresh.complaints, "");
+  EXPECT_FALSE(fs::exists(folder.path / "new.plist"));
+}
+
+} // namespace
+} // namespace desktop
