@@ -1,0 +1,220 @@
+#include "settings/MappingsWindowController.hpp"
+
+#include "desktop/session/WindowCommands.hpp"
+#include "tests/support/RemapperTest.hpp"
+
+namespace tarnwick {
+namespace {
+
+using namespace std::string_literals;
+using desktop::PropertyList;
+
+/// A checkbox by its title, and the switch that it should be bound to.
+struct Switch {
+  const char* title;
+  bool KeyRemapper::*flag;
+};
+constexpr Switch switches[] = {
+    {"Clipboard (Ctrl+C/V/X/A/Z)", &KeyRemapper::mapClipboard},
+    {"Redo (Ctrl+Y -> Cmd+Shift+Z)", &KeyRemapper::mapRedo},
+    {"New (Ctrl+N)", &KeyRemapper::mapNewFile},
+    {"Save (Ctrl+S)", &KeyRemapper::mapSave},
+    {"Word Skip (Ctrl+Left/Right)", &KeyRemapper::mapWordSkip},
+    {"Find (Ctrl+F)", &KeyRemapper::mapFind},
+    {"Swap @ and \"", &KeyRemapper::mapAtQuoteSwap},
+    {"Bold (Ctrl+B)", &KeyRemapper::mapBold},
+    {"Underline (Ctrl+U)", &KeyRemapper::mapUnderline},
+    {"Italic (Ctrl+I)", &KeyRemapper::mapItalic},
+    {"Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)", &KeyRemapper::mapLockScreen},
+    {"Forward Delete key moves selection to Bin", &KeyRemapper::mapFinderDeleteToBin},
+    {"Confirm before moving to Bin", &KeyRemapper::mapFinderDeleteConfirm},
+    {"Rename selected item (F2 -> Return)", &KeyRemapper::mapFinderRename},
+};
+
+/// The window on its own, without the application around it.
+class SettingsWindowTest : public RemapperTest {
+protected:
+  desktop::Desktop& machine = desktop.machine;
+  platform::AutoreleasePool pool;
+  platform::NSWindowController controller;
+
+  void SetUp() override {
+    RemapperTest::SetUp();
+    machine.tarnwick = desktop::shared(&machine.start("Tarnwick", "", "AXGroup"));
+  }
+  void open() {
+    if (!controller) controller = MappingsWindowController::make(remapper);
+    platform::send<"show">(controller);
+  }
+  /// What the window shows, from top to bottom.
+  std::string shown() {
+    desktop.facts.clear();
+    EXPECT_TRUE(desktop::showWindow(machine));
+    return desktop.trace();
+  }
+  bool click(const char* title, std::uint64_t row = 1) { return desktop::clickInWindow(machine, title, row); }
+
+  std::vector<bool> flags() const {
+    std::vector<bool> values;
+    for (const Switch& each : switches)
+      values.push_back(remapper.get()->*each.flag);
+    return values;
+  }
+};
+
+TEST_F(SettingsWindowTest, EachCheckboxSwitchesItsOwnFamilyAndNoOther) {
+  open();
+  for (std::size_t each = 0; each < std::size(switches); ++each) {
+    std::vector<bool> expected(std::size(switches), true);
+    EXPECT_EQ(flags(), expected);
+    ASSERT_TRUE(click(switches[each].title));
+    expected[each] = false;
+    EXPECT_EQ(flags(), expected) << switches[each].title;
+    ASSERT_TRUE(click(switches[each].title));
+  }
+  EXPECT_TRUE(remapper->enabled) << "the master switch has no checkbox";
+}
+
+TEST_F(SettingsWindowTest, ShowsEachSwitchAsItStandsWhenItIsShown) {
+  for (const Switch& off : switches) {
+    remapper.get()->*off.flag = false;
+    open();
+    const std::string trace = shown();
+    for (const Switch& each : switches) {
+      const std::string line = "checkbox\t"s + each.title + (each.flag == off.flag ? "\toff\n" : "\ton\n");
+      EXPECT_NE(trace.find(line), std::string::npos) << line << trace;
+    }
+    remapper.get()->*off.flag = true;
+  }
+}
+
+TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
+  open();
+  const auto stranger = platform::NSButton::checkboxWithTitle(platform::NSString::utf8("Save (Ctrl+S)"), nullptr,
+                                                              platform::selectorNamed<"toggleMapping:">());
+  platform::send<"toggleMapping:">(controller, stranger);
+  platform::send<"toggleMapping:">(controller, nullptr);
+  platform::send<"removeExemption:">(controller, stranger);
+  EXPECT_EQ(flags(), std::vector<bool>(std::size(switches), true));
+}
+
+TEST_F(SettingsWindowTest, ListsExemptionsInOrderAndKeepsUpWithThem) {
+  const auto exempt = [&](const char* bundleID) { remapper->addExemptBundleID(platform::NSString::utf8(bundleID)); };
+  const auto rows = [&] {
+    const std::string trace = shown();
+    const auto begin = trace.find("button\tChoose App…\n");
+    return trace.substr(begin, trace.find("separator", begin) - begin);
+  };
+  const std::string choose = "button\tChoose App…\n";
+  open();
+  EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
+  for (const char* bundleID : {"org.b", "com.Z", "com.a"})
+    exempt(bundleID);
+  open();
+  EXPECT_EQ(rows(), choose + "label\tcom.Z\nbutton\tRemove\nlabel\tcom.a\nbutton\tRemove\nlabel\torg.b\nbutton\t"
+                             "Remove\n");
+  EXPECT_TRUE(click("Remove", 2));
+  EXPECT_EQ(rows(), choose + "label\tcom.Z\nbutton\tRemove\nlabel\torg.b\nbutton\tRemove\n");
+  EXPECT_TRUE(click("Remove") && click("Remove"));
+  EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
+}
+
+TEST_F(SettingsWindowTest, TellsTheVersionOnlyWhereItIsAText) {
+  const struct {
+    std::optional<PropertyList> version;
+    std::string label;
+  } cases[] = {{u"2.1", "Version 2.1"}, {u"", "Version "}, {7, "Version Unknown"}, {std::nullopt, "Version Unknown"}};
+  for (const auto& [version, label] : cases) {
+    PropertyList::Dictionary information;
+    if (version) information[u"CFBundleShortVersionString"] = *version;
+    desktop::writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
+    machine.openBundle(desktop.bundle);
+    controller = {};
+    open();
+    EXPECT_TRUE(shown().ends_with("label\t" + label + "\n")) << label;
+  }
+}
+
+TEST_F(SettingsWindowTest, OpensWithoutItsIconAndWithABrokenOne) {
+  const auto icon = desktop.bundle / "Contents" / "Resources" / "AppIcon.icns";
+  desktop::writeFile(icon, "no image");
+  open();
+  std::filesystem::remove(icon);
+  controller = {};
+  open();
+  EXPECT_TRUE(click("Open Login Items"));
+}
+
+TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
+  open();
+  const auto archive = platform::make<"NSObject", "init">();
+  EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(archive)));
+}
+
+/// A choice in the open panel, each time from a running program.
+std::string chooseBundle(const std::optional<PropertyList>& identifier, bool isBundle = true) {
+  const desktop::TemporaryFolder folder;
+  const auto chosen = folder.path / "Chosen.app";
+  if (isBundle) {
+    std::filesystem::create_directories(chosen / "Contents");
+    PropertyList::Dictionary information{{u"CFBundleName", u"Chosen"}};
+    if (identifier) information[u"CFBundleIdentifier"] = *identifier;
+    desktop::writeFile(chosen / "Contents" / "Info.plist", writeXml(information));
+  }
+  desktop::TestDesktop desktop;
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.listed"});
+  const std::string trace = desktop.play(
+      {"menu Settings…\nclick \"Choose App…\"\nchoose \"" + chosen.string() + "\"\nshow defaults\nshow window"});
+  const std::string stored =
+      trace.substr(trace.find("default\t"), trace.find("button\tAbout") - trace.find("default\t"));
+  const bool isListed = trace.find("label\tcom.example.chosen\n") != std::string::npos;
+  EXPECT_EQ(isListed, stored.find("com.example.chosen") != std::string::npos) << "list and store differ";
+  return stored;
+}
+
+TEST(ExemptionsPanel, TakesTheIdentifierOfTheBundleThatIsChosen) {
+  const std::string before = "default\texemptBundleIDs\torg.listed\n";
+  const std::string after = "default\texemptBundleIDs\tcom.example.chosen\torg.listed\n";
+  EXPECT_EQ(chooseBundle(u"com.example.chosen"), after);
+  EXPECT_EQ(chooseBundle(u" com.example.chosen\n"), after);
+  EXPECT_EQ(chooseBundle(u"org.listed"), before);
+  EXPECT_EQ(chooseBundle(u"  "), before);
+  EXPECT_EQ(chooseBundle(7), before);
+  EXPECT_EQ(chooseBundle(std::nullopt), before);
+  EXPECT_EQ(chooseBundle(std::nullopt, false), before) << "no bundle at all";
+}
+
+TEST(SettingsMenuEntry, ShowsTheSameWindowAgain) {
+  desktop::TestDesktop desktop;
+  long controllers = 0;
+  desktop.play({"menu Settings…\nresize 700 650\nclose\nmenu Settings…\nmenu Settings…",
+                [&] { controllers = desktop::liveObjects("MappingsWindowController"); }});
+  EXPECT_EQ(controllers, 1);
+  EXPECT_TRUE(desktop.trace().ends_with("window\tTarnwick Settings\t700\t650\nfront\tTarnwick\nterminate\n"))
+      << desktop.trace();
+}
+
+TEST(SettingsMenuEntry, SwitchesAreBackOnAndExemptionsKeptInTheNextRun) {
+  const desktop::TemporaryFolder folder;
+  const auto run = [&](const std::string& session) {
+    desktop::TestDesktop desktop;
+    desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");
+    return desktop.play({session});
+  };
+  const auto app = folder.path / "Editor.app" / "Contents";
+  std::filesystem::create_directories(app);
+  desktop::writeFile(app / "Info.plist",
+                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
+  const std::string first = run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nfront Editor\ndown ctrl+b\ndown ctrl+c\n"
+                                "click \"Choose App…\"\nchoose \"" +
+                                app.parent_path().string() + "\"\nfront Editor\ndown ctrl+c");
+  EXPECT_NE(first.find("key\tEditor\tdown\t0x0b\t0x40000\nkey\tEditor\tdown\t0x08\t0x100000\n"), std::string::npos);
+  EXPECT_NE(first.find("key\tEditor\tdown\t0x08\t0x40000\nterminate\n"), std::string::npos) << first;
+  const std::string second = run("down ctrl+b\napp Other\nfront Other\ndown ctrl+b\nmenu Settings…\nclick Remove\n"
+                                 "front Editor\ndown ctrl+c");
+  EXPECT_NE(second.find("key\tEditor\tdown\t0x0b\t0x40000\nkey\tOther\tdown\t0x0b\t0x100000\n"), std::string::npos);
+  EXPECT_NE(second.find("key\tEditor\tdown\t0x08\t0x100000\nterminate\n"), std::string::npos) << second;
+}
+
+} // namespace
+} // namespace tarnwick
