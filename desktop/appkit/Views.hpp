@@ -7,6 +7,7 @@
 #include "desktop/appkit/ConstraintSolver.hpp"
 #include "desktop/appkit/FontMetrics.hpp"
 #include "desktop/appkit/Image.hpp"
+#include "platform/Appearance.hpp"
 
 #include <deque>
 #include <functional>
@@ -21,7 +22,7 @@ struct Color : Object {
   Ink ink = Ink::Black;
 
   /// Lasts as long as the colour; colours last for ever.
-  void* asCGColor() { return this; }
+  CGColorRef asCGColor() { return reinterpret_cast<CGColorRef>(this); }
 };
 
 struct Font : Object {
@@ -39,7 +40,7 @@ struct Layer : Object {
   CGFloat cornerRadius = 0;
   BOOL masksToBounds = false;
 
-  void setShadowColor(void* color) { shadowColor = static_cast<const Color*>(color); }
+  void setShadowColor(CGColorRef color) { shadowColor = reinterpret_cast<const Color*>(color); }
   void setShadowOpacity(float value) { shadowOpacity = value; }
   void setShadowRadius(CGFloat value) { shadowRadius = value; }
   void setShadowOffset(CGSize value) { shadowOffset = value; }
