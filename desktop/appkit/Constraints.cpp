@@ -7,13 +7,16 @@ bool holds(const View* holder, const View* view) {
   return view == holder || view->superview == holder;
 }
 
-/// Where the constraint is kept; null when there is no such view.
-View* holderOf(const Constraint& constraint) {
-  if (constraint.second == nullptr) return constraint.first;
-  for (View* holder : {constraint.first, constraint.first->superview}) {
-    if (holder != nullptr && holds(holder, constraint.second)) return holder;
+/// Where the constraint is kept.
+View& holderOf(const Constraint& constraint) {
+  View& first = *constraint.first;
+  View* const second = constraint.second;
+  if (second == nullptr) return first;
+  for (View* holder : {&first, first.superview, second}) {
+    if (holder != nullptr && holds(holder, &first) && holds(holder, second)) return *holder;
   }
-  return holds(constraint.second, constraint.first) ? constraint.second : nullptr;
+  stop("a constraint was activated between a " + first.isa->name + " and a " + second->isa->name +
+       " that are neither side by side nor one directly in the other");
 }
 
 Ref<Constraint> constraintOf(const Anchor& anchor, CGFloat constant) {
@@ -43,12 +46,7 @@ Ref<Constraint> Dimension::constraintEqualToConstant(CGFloat constant) const {
 void Constraint::activate(Array* constraints) {
   for (const auto& element : constraints->elements) {
     auto* const constraint = as<Constraint>(element.get());
-    View* const holder = holderOf(*constraint);
-    if (holder == nullptr) {
-      stop("a constraint was activated between a " + constraint->first->isa->name + " and a " +
-           constraint->second->isa->name + " that are neither side by side nor one directly in the other");
-    }
-    holder->constraints.push_back(shared(constraint));
+    holderOf(*constraint).constraints.push_back(shared(constraint));
   }
 }
 

@@ -38,7 +38,7 @@ CGRect placeOf(const mac::NSView& view) {
 
 mac::NSStackView stack(mac::NSInteger orientation, mac::NSInteger alignment, CGFloat spacing,
                        std::initializer_list<mac::NSView> views) {
-  const auto made = mac::NSStackView::make();
+  auto made = mac::NSStackView::make();
   made.setOrientation(orientation);
   made.setAlignment(alignment);
   made.setSpacing(spacing);
