@@ -23,7 +23,8 @@ void KeyRemapper::stop() {
   eventTap = {};
 }
 
-CGEventRef KeyRemapper::tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo) {
+CGEventRef KeyRemapper::tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event,
+                                    void* userInfo) noexcept {
   if (userInfo == nullptr) return event;
   const platform::AutoreleasePool pool;
   const auto remapper = static_cast<KeyRemapper*>(userInfo)->shared_from_this();

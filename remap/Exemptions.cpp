@@ -1,6 +1,7 @@
 #include "remap/KeyRemapper.hpp"
 
 #include <algorithm>
+#include <tuple>
 
 namespace tarnwick {
 

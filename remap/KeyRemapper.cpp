@@ -19,8 +19,10 @@ CGEventRef KeyRemapper::handleEvent(CGEventTapProxy /*proxy*/, CGEventType type,
   const Outcome outcome = translate(type, key);
   if (outcome.kind == Outcome::Kind::Swallow) return nullptr;
   if (outcome.kind == Outcome::Kind::Rewrite) {
-    CGEventSetFlags(event, outcome.key.flags);
-    CGEventSetIntegerValueField(event, kCGKeyboardEventKeycode, outcome.key.code);
+    if (outcome.key.flags != key.flags) CGEventSetFlags(event, outcome.key.flags);
+    if (outcome.key.code != key.code) {
+      CGEventSetIntegerValueField(event, kCGKeyboardEventKeycode, outcome.key.code);
+    }
   }
   return event;
 }

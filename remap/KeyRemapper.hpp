@@ -15,7 +15,7 @@ namespace tarnwick {
 /// Watches the session's key events and rewrites them. One for the whole run, shared by the application delegate and
 /// the settings window; main thread only, so nothing is locked. The tap does not own it: whoever called `start()` calls
 /// `stop()` before letting go. Always held by a `std::shared_ptr`, so that a callback can hold it while it runs.
-class KeyRemapper : public std::enable_shared_from_this<KeyRemapper> {
+class KeyRemapper final : public std::enable_shared_from_this<KeyRemapper> {
 public:
   /// Everything on, and the exempt applications loaded from the user's defaults. A stored value that is no array of
   /// strings counts as none and stays as it is.
@@ -29,7 +29,7 @@ public:
   /// Takes the tap down; on the thread that called `start()`. Without a tap it does nothing.
   void stop();
 
-  /// Surrounding whitespace is taken off; nothing is left, nothing happens. Saves otherwise.
+  /// Surrounding whitespace is taken off. If nothing is left, nothing happens; otherwise it is added and saved.
   void addExemptBundleID(const platform::NSString& bundleID);
   /// Exactly as given. Saves also when it was no member.
   void removeExemptBundleID(const platform::NSString& bundleID);
@@ -76,7 +76,7 @@ private:
   const CGEventFlags primaryModifierFlags =
       kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
 
-  static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo);
+  static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo) noexcept;
   CGEventRef handleEvent(CGEventTapProxy proxy, CGEventType type, CGEventRef event);
   [[nodiscard]] bool isFrontmostExempt() const;
   Outcome translate(CGEventType type, Key key);

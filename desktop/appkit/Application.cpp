@@ -35,7 +35,7 @@ BOOL Application::setActivationPolicy(NSInteger policy) {
 void Application::run() {
   Desktop& desktop = Desktop::current();
   const String* identifier = desktop.mainBundle->identifier.get();
-  desktop.tarnwick = shared(&desktop.start("Tarnwick", textOf(identifier), "AXGroup"));
+  desktop.tarnwick = shared(&desktop.start("Tarnwick", textOf(identifier)));
   tellDelegate(delegate, "applicationDidFinishLaunching:");
   desktop.serve([&] { return desktop.inputEnded; });
   terminate(nullptr);
@@ -51,6 +51,7 @@ void Application::terminate(id /*sender*/) {
   desktop.server.forgetProgram();
   desktop.queue.clear();
   desktop.end("Tarnwick");
+  desktop.tarnwick = nullptr;
 }
 
 void Application::activateIgnoringOtherApps(BOOL /*ignoring*/) {

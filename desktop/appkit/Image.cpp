@@ -1,19 +1,10 @@
 #include "desktop/appkit/AppKit.hpp"
 
-#include <fstream>
-#include <iterator>
-
 namespace desktop {
 namespace {
 
 bool isImage(std::string_view bytes) {
   return bytes.substr(0, 8) == "\x89PNG\r\n\x1a\n" || bytes.substr(0, 4) == "icns";
-}
-
-std::string contentsOf(const std::string& path) {
-  if (!std::filesystem::is_regular_file(path)) return {}; // reading a folder throws
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 Ref<String> iconName() {
@@ -24,7 +15,7 @@ Ref<String> iconName() {
 } // namespace
 
 Image* Image::initWithContentsOfURL(URL* url) {
-  bytes = contentsOf(url->path);
+  bytes = contentsOfFile(url->path);
   if (isImage(bytes)) return this;
   release(this);
   return nullptr;
@@ -34,7 +25,7 @@ Ref<Image> Image::imageNamed(String* name) {
   if (!name->isEqualToString(iconName().get())) return nullptr;
   auto image = create<Image>();
   const auto file = Desktop::current().mainBundle->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
-  if (file) image->bytes = contentsOf(file->path);
+  if (file) image->bytes = contentsOfFile(file->path);
   return image;
 }
 

@@ -32,12 +32,15 @@ Ref<URL> fileURLWithPath(String* path) {
 }
 
 PropertyList readInformation(const std::filesystem::path& file) {
-  if (!std::filesystem::is_regular_file(file)) return PropertyList::Dictionary(); // reading a folder throws
-  std::ifstream stream(file, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  auto reading = parsePropertyList(bytes);
+  auto reading = parsePropertyList(contentsOfFile(file));
   const bool isDictionary = reading && reading.value.as<PropertyList::Dictionary>() != nullptr;
   return isDictionary ? std::move(reading.value) : PropertyList(PropertyList::Dictionary());
+}
+
+/// What cannot be looked at is not there.
+bool isThere(const std::filesystem::path& path) {
+  std::error_code error;
+  return std::filesystem::exists(path, error);
 }
 
 Bundle* mainBundle() {
@@ -49,6 +52,13 @@ UserDefaults* standardUserDefaults() {
 
 } // namespace
 
+std::string contentsOfFile(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return {}; // reading a folder throws
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
 Ref<URL> fileURL(const std::string& path) {
   auto url = create<URL>();
   url->path = path;
@@ -57,7 +67,8 @@ Ref<URL> fileURL(const std::string& path) {
 }
 
 Bundle* Bundle::initWithURL(URL* url) {
-  if (url->path.empty() || !std::filesystem::is_directory(url->path)) {
+  std::error_code error;
+  if (!std::filesystem::is_directory(url->path, error)) {
     release(this);
     return nullptr;
   }
@@ -84,7 +95,7 @@ Ref<Object> Bundle::objectForInfoDictionaryKey(String* key) const {
 
 Ref<URL> Bundle::URLForResource(String* name, String* extension) const {
   const auto file = folder / "Contents" / "Resources" / (textOf(name) + "." + textOf(extension));
-  return std::filesystem::exists(file) ? fileURL(file.string()) : nullptr;
+  return isThere(file) ? fileURL(file.string()) : nullptr;
 }
 
 Ref<URL> URL::URLByAppendingPathComponent(String* name) const {
@@ -96,7 +107,7 @@ Ref<URL> Bundle::privateFrameworksURL() const {
 }
 
 BOOL Bundle::load() const {
-  const bool hasCode = std::filesystem::exists(folder / folder.stem());
+  const bool hasCode = isThere(folder / folder.stem());
   if (hasCode && folder.filename() == "Sparkle.framework") registerUpdaterClass();
   return hasCode;
 }

@@ -64,6 +64,8 @@ struct URL : Object {
 };
 
 Ref<URL> fileURL(const std::string& path);
+/// The bytes of a regular file; none when it cannot be read.
+std::string contentsOfFile(const std::filesystem::path& file);
 
 /// A property-list value as objects, and back; nothing when an object has no place in a property list.
 Ref<Object> objectOf(const PropertyList& value);

@@ -4,6 +4,7 @@
 #include "desktop/quartz/Accessibility.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 namespace desktop {
 namespace {
@@ -24,6 +25,12 @@ struct Workspace : Object {
     return true;
   }
 };
+
+/// Role of the element that has the focus in an application that has just started.
+const char* firstRole(const std::string& name) {
+  if (name == "Editor") return "AXTextArea";
+  return name == "Finder" ? "AXList" : "AXGroup";
+}
 
 Workspace* sharedWorkspace() {
   static Workspace* const shared = create<Workspace>().detach();
@@ -54,8 +61,8 @@ Desktop::Desktop() : appKit((registerClasses(), std::make_unique<AppKit>())) {
   openBundle({});
   defaults = create<UserDefaults>();
   defaults->file = std::make_unique<PropertyListFile>();
-  start("Finder", "com.apple.finder", "AXList").reaction = finderReaction;
-  frontmost = shared(&start("Editor", "com.example.editor", "AXTextArea"));
+  start("Finder", "com.apple.finder");
+  frontmost = shared(&start("Editor", "com.example.editor"));
 }
 
 Desktop::~Desktop() {
@@ -76,11 +83,12 @@ void Desktop::openBundle(const std::filesystem::path& folder) {
   mainBundle->isMain = true;
 }
 
-RunningApplication& Desktop::start(const std::string& name, const std::string& identifier, const std::string& role) {
+RunningApplication& Desktop::start(const std::string& name, const std::string& identifier) {
   auto application = create<RunningApplication>();
   application->name = name;
   if (!identifier.empty()) application->identifier = string(identifier);
-  application->role = role;
+  application->role = firstRole(name);
+  if (identifier == "com.apple.finder") application->reaction = finderReaction;
   applications.push_back(application);
   return *application;
 }
@@ -114,8 +122,10 @@ void Desktop::serve(const std::function<bool()>& done) {
 }
 
 void Desktop::wait(double seconds) {
-  constexpr double century = 3.2e9;
-  const auto end = queue.now + static_cast<std::int64_t>(std::min(seconds, century) * 1e9);
+  // So far the clock goes; it stops there rather than run over.
+  constexpr std::int64_t lastMoment = std::int64_t{1} << 62;
+  const double nanoseconds = std::min(seconds * 1e9, static_cast<double>(lastMoment - queue.now));
+  const auto end = queue.now + std::llround(nanoseconds);
   settle();
   while (queue.now < end) {
     queue.now = queue.nextMoment(end);

@@ -87,13 +87,13 @@ public:
 
   std::vector<Ref<RunningApplication>> applications;
   Ref<RunningApplication> frontmost;
-  /// Once the program has launched.
+  /// While the program runs.
   Ref<RunningApplication> tarnwick;
 
   /// Makes `folder` the program's own bundle. Whatever it lacks is missing, nothing more.
   void openBundle(const std::filesystem::path& folder);
 
-  RunningApplication& start(const std::string& name, const std::string& identifier, const std::string& role);
+  RunningApplication& start(const std::string& name, const std::string& identifier);
   /// False when none of that name runs.
   bool end(const std::string& name);
   RunningApplication* named(const std::string& name) const;

@@ -19,7 +19,7 @@ public:
   /// The moment at which the next block can run, if that is no later than `limit`; else `limit`.
   std::int64_t nextMoment(std::int64_t limit) const;
   /// Drops all blocks: their process has ended.
-  void clear() { blocks.clear(); }
+  void clear();
 
 private:
   struct Block {

@@ -75,6 +75,7 @@ Event* WindowServer::throughTaps(Event* event) {
 
 void WindowServer::type(CGEventType type, std::uint16_t code, CGEventFlags flags) {
   const platform::AutoreleasePool pool;
+  heldFlags = flags;
   const auto event = makeEvent(type, code, flags);
   if (const Event* left = throughTaps(event.get())) {
     deliver(*left);
@@ -138,6 +139,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable) {
   tapOf(tap)->enabled = enable;
+  tapOf(tap)->asked = enable;
 }
 
 CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
@@ -179,9 +181,9 @@ void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, std::int6
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode virtualKey, bool keyDown) {
-  const Faults& faults = Desktop::current().faults;
-  if (keyDown ? faults.keyDownEvent : faults.keyUpEvent) return nullptr;
-  auto event = makeEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp, virtualKey, 0);
+  const Desktop& desktop = Desktop::current();
+  if (keyDown ? desktop.faults.keyDownEvent : desktop.faults.keyUpEvent) return nullptr;
+  auto event = makeEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp, virtualKey, desktop.server.heldFlags);
   return refOf(event.detach());
 }
 

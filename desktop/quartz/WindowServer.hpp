@@ -5,6 +5,7 @@
 #include "platform/EventServices.hpp"
 
 #include <deque>
+#include <optional>
 
 namespace desktop {
 
@@ -30,6 +31,8 @@ struct EventTap : Object {
   CGEventTapCallBack callback = nullptr;
   void* userInfo = nullptr;
   bool enabled = true;
+  /// What the program last asked for; none while it never did.
+  std::optional<bool> asked;
   /// Scheduled on the main run loop in the common modes. Kept alive by the loop meanwhile.
   Ref<RunLoopSource> scheduled;
 
@@ -43,6 +46,8 @@ enum class TapGrant { Auto, Allow, Refuse };
 class WindowServer {
 public:
   TapGrant grant = TapGrant::Auto;
+  /// What the keyboard's last event carried. Events that are made without a source begin with these flags.
+  CGEventFlags heldFlags = 0;
 
   /// A key of the keyboard. Goes through the taps and to the frontmost application before this returns.
   void type(CGEventType type, std::uint16_t code, CGEventFlags flags);

@@ -108,7 +108,8 @@ IMP checkedMethod(id receiver, Class cls, SEL selector, const char* encoding) {
   const std::string name = std::string("'") + selectorText(selector) + "'";
   if (receiver->isa->isReleased) stop("message " + name + " to a released " + receiver->isa->name);
   const Method* const method = findMethod(cls, selector);
-  if (method == nullptr) stop(describeReceiver(receiver) + " has no method " + name + " (called as " + std::string(encoding) + ")");
+  if (method == nullptr)
+    stop(describeReceiver(receiver) + " has no method " + name + " (called as " + std::string(encoding) + ")");
   if (method->encoding != encoding) {
     stop(name + " of " + describeReceiver(receiver) + " has the type " + method->encoding + " but was called as " +
          encoding);
@@ -239,7 +240,8 @@ using desktop::registry;
 extern "C" {
 
 IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding) {
-  const Class cls = start != nullptr ? start : receiver->isa;
+  // A released instance is found out by its class; a message to its superclass has to look.
+  const Class cls = start != nullptr && !receiver->isa->isReleased ? start : receiver->isa;
   objc_class::CacheEntry& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
   if (entry.selector == selector && entry.encoding == encoding) return entry.implementation;
   return desktop::remember(entry, receiver, cls, selector, encoding);

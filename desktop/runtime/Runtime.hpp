@@ -29,8 +29,6 @@ struct Method {
 
 } // namespace desktop
 
-struct objc_selector {};
-
 struct objc_object {
   Class isa = nullptr;
 };
@@ -40,7 +38,7 @@ struct objc_class : objc_object {
   std::string name;
   Class superclass = nullptr;
   bool isMeta = false;
-  /// The methods of released instances' class: every message to it is a fault.
+  /// The class that instances get when they are released for good: every message to them is a fault.
   bool isReleased = false;
   std::size_t instanceSize = 0;
   /// Makes and destroys the C++ part of an instance; inherited.
@@ -166,7 +164,13 @@ template <class Type> struct Form {
   static Type in(Type value) { return value; }
   static Type out(Type value) { return value; }
 };
-template <std::derived_from<Object> Type> struct Form<Type*> {
+/// A class of the desktop. The platform's C types are declared and never defined.
+template <class Type>
+concept NativeObject = requires {
+  sizeof(Type);
+}
+&&std::derived_from<Type, Object>;
+template <NativeObject Type> struct Form<Type*> {
   using Sent = id;
   static Type* in(id value) { return as<Type>(value); }
   static id out(Type* value) { return value; }

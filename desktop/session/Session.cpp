@@ -55,6 +55,7 @@ void Session::run() {
     }
     play(*command);
   }
+  desktop.inputEnded = !waiting;
   program();
 }
 
@@ -90,7 +91,7 @@ bool Session::carryOut(const Command& command) {
     setScreen(desktop, command.size);
     return true;
   case Verb::App:
-    desktop.start(*command.name, command.bundleIdentifier.value_or(""), "AXGroup");
+    desktop.start(*command.name, command.bundleIdentifier.value_or(""));
     return true;
   case Verb::End:
     // The program does not just vanish: it is made to quit.
@@ -220,7 +221,8 @@ void Session::showDefaults() const {
   const auto* const stored = value != nullptr ? value->as<PropertyList::Array>() : nullptr;
   if (stored != nullptr) {
     for (const PropertyList& element : *stored) {
-      if (const auto* text = element.as<std::u16string>()) fact.push_back(utf8(*text));
+      const auto* const text = element.as<std::u16string>();
+      fact.push_back(text != nullptr ? utf8(*text) : "(no text)");
     }
   }
   if (fact.size() == 2) fact.emplace_back();

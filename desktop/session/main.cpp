@@ -91,6 +91,12 @@ void play(const Options& options, Session::Source source, bool echo) {
   session.run();
 }
 
+/// 0, or a mistake's status when what was printed did not arrive.
+int finish() {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
+  return fail("tarnwick: the output could not be written");
+}
+
 } // namespace
 
 int main(int count, char** words) {
@@ -100,10 +106,10 @@ int main(int count, char** words) {
 
   if (options.session == "-" && isatty(STDIN_FILENO) != 0) {
     play(options, prompted(), false);
-    return 0;
+    return finish();
   }
   auto session = readSessionFile(options.session);
   if (const auto* mistake = std::get_if<Mistake>(&session)) return fail(mistake->text());
   play(options, listed(std::get<std::vector<Command>>(std::move(session))), !options.trace);
-  return 0;
+  return finish();
 }

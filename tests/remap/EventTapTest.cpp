@@ -66,9 +66,18 @@ TEST_F(EventTapTest, SeesNothingWithoutARunLoopSource) {
   desktop.machine.faults.runLoopSource = true;
   EXPECT_TRUE(remapper->start());
   EXPECT_FALSE(tap().scheduled);
+  EXPECT_EQ(tap().asked, std::nullopt) << "what is on no run loop is not enabled either";
   EXPECT_EQ(press(ctrlC), ctrlC);
   remapper->stop();
   EXPECT_EQ(liveObjects("CFMachPort"), 0);
+}
+
+TEST_F(EventTapTest, IsEnabledByTheProgramAndDisabledByIt) {
+  const auto kept = desktop::shared(&tap());
+  EXPECT_EQ(kept->asked, true);
+  remapper->stop();
+  EXPECT_EQ(kept->asked, false);
+  EXPECT_FALSE(kept->scheduled);
 }
 
 TEST_F(EventTapTest, StaysDisabledOnceTheSystemHasDisabledIt) {

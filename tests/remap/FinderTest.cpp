@@ -6,8 +6,8 @@ namespace {
 using desktop::FocusAnswer;
 
 constexpr CGEventFlags fn = kCGEventFlagMaskSecondaryFn;
-constexpr CGEventFlags caps = kCGEventFlagMaskAlphaShift;
-constexpr CGEventFlags pad = kCGEventFlagMaskNumericPad;
+constexpr CGEventFlags caps = capsLock;
+constexpr CGEventFlags pad = numericPad;
 
 constexpr Key forwardDelete{0x75, fn};
 constexpr Key f2{0x78, fn};

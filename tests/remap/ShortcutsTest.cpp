@@ -17,7 +17,7 @@ struct Shortcut {
 
 // What a keyboard says of itself beside the modifiers: the left Control key's device bit, and that of no coalescing.
 constexpr CGEventFlags leftControl = 0x101;
-constexpr CGEventFlags arrow = kCGEventFlagMaskNumericPad | kCGEventFlagMaskSecondaryFn;
+constexpr CGEventFlags arrow = numericPad | kCGEventFlagMaskSecondaryFn;
 
 constexpr Shortcut shortcuts[] = {
     {"Ctrl+C", &KeyRemapper::mapClipboard, {0x08, 0x40000}, {0x08, 0x100000}},
@@ -65,7 +65,7 @@ constexpr std::pair<const char*, Key> passing[] = {
     {"'", {0x27, 0}},
     {"2", {0x13, 0}},
     {"Shift+1", {0x12, shift}},
-    {"Caps Lock and 2", {0x13, kCGEventFlagMaskAlphaShift}},
+    {"Caps Lock and 2", {0x13, capsLock}},
     {"Shift+Option+2", {0x13, shift | option}},
     {"Shift+Cmd+'", {0x27, shift | command}},
     {"Ctrl+Shift+2", {0x13, shift | control}},

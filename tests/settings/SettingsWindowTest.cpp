@@ -40,7 +40,7 @@ protected:
 
   void SetUp() override {
     RemapperTest::SetUp();
-    machine.tarnwick = desktop::shared(&machine.start("Tarnwick", "", "AXGroup"));
+    machine.tarnwick = desktop::shared(&machine.start("Tarnwick", ""));
   }
   void open() {
     if (!controller) controller = MappingsWindowController::make(remapper);

@@ -28,6 +28,8 @@ inline constexpr CGEventFlags shift = kCGEventFlagMaskShift;
 inline constexpr CGEventFlags control = kCGEventFlagMaskControl;
 inline constexpr CGEventFlags option = kCGEventFlagMaskAlternate;
 inline constexpr CGEventFlags command = kCGEventFlagMaskCommand;
+inline constexpr CGEventFlags capsLock = 0x10000;
+inline constexpr CGEventFlags numericPad = 0x200000;
 inline constexpr CGEventFlags modifiers = shift | control | option | command;
 
 inline constexpr Key ctrlC{0x08, control};
@@ -72,7 +74,7 @@ protected:
   }
   /// Puts an application of this identifier in front, or of none.
   void front(const std::optional<std::u16string>& identifier) {
-    auto& application = desktop.machine.start("Application", "", "AXGroup");
+    auto& application = desktop.machine.start("Application", "");
     if (identifier) application.identifier = desktop::string(*identifier);
     desktop.machine.frontmost = desktop::shared(&application);
   }
