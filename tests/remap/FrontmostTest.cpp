@@ -104,7 +104,7 @@ TEST_F(FrontmostTest, IsComparedWithTheStoredListAsItIsOrNotAtAll) {
       {"a fraction before a string", PropertyList::Array{0.5, u"com.a"}, {}},
       {"a truth in it", PropertyList::Array{u"com.a", false, u"com.b"}, {}},
       {"a dictionary in it", PropertyList::Array{u"com.a", PropertyList::Dictionary{}}, {}},
-      {"a list in it", PropertyList::Array{PropertyList::Array{u"com.a"}}, {}},
+      {"a list in it", PropertyList::Array{PropertyList(PropertyList::Array{u"com.a"})}, {}},
       {"data in it", PropertyList::Array{u"com.a", PropertyList::Data{}}, {}},
       {"a date in it", PropertyList::Array{u"com.a", PropertyList::Date{}}, {}},
       {"repeated", PropertyList::Array{u"com.b", u"com.a", u"com.b"}, {u"com.a", u"com.b"}},
