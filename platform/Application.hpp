@@ -38,7 +38,11 @@ public:
 class NSWorkspace : public NSObject {
 public:
   using NSObject::NSObject;
-  static NSWorkspace sharedWorkspace() { return send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">); }
+  /// One for the life of the process.
+  static const NSWorkspace& sharedWorkspace() {
+    static const NSWorkspace& shared = *new NSWorkspace(send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">));
+    return shared;
+  }
 
   /// The application that receives key presses, or none.
   [[nodiscard]] NSRunningApplication frontmostApplication() const {

@@ -3,7 +3,6 @@
 
 #include "platform/Runtime.hpp"
 
-#include <cmath>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -47,7 +46,7 @@ template <class Block> void asyncOnMain(Block block) {
 /// Runs `block` on the main thread `seconds` from now.
 template <class Block> void asyncOnMainAfter(double seconds, Block block) {
   constexpr double nanosecondsPerSecond = 1e9;
-  const auto delta = std::llround(seconds * nanosecondsPerSecond);
+  const auto delta = static_cast<std::int64_t>(seconds * nanosecondsPerSecond);
   dispatch_after_f(dispatch_time(DISPATCH_TIME_NOW, delta), dispatch_get_main_queue(), new Block(std::move(block)),
                    runBlock<Block>);
 }

@@ -21,9 +21,9 @@ public:
         static_cast<const void*>(text.data()), static_cast<NSUInteger>(text.size()), NSUTF8StringEncoding);
   }
   /// A constant, made once and never released, so that the key path can compare with it.
-  template <Name text> static NSString constant() {
-    static const id made = utf8(text.text).detach();
-    return {share, made};
+  template <Name text> static const NSString& constant() {
+    static const NSString& made = *new NSString(utf8(text.text));
+    return made;
   }
   /// The same object under its Objective-C name.
   static NSString sharing(CFStringRef string) { return {share, reinterpret_cast<id>(const_cast<__CFString*>(string))}; }

@@ -4,10 +4,10 @@
 ///                         .method<"applicationWillTerminate:", &Delegate::applicationWillTerminate>()
 ///                         .registered();
 ///
-/// Each instance carries one C++ object, its state: `attach` makes it from the class's initialiser, and it is destroyed
-/// with the instance. A static member that takes the instance first becomes a method that needs no state; a class of
-/// such methods alone has `void` for its state. Encodings come from the C++ types. Every method opens an autorelease
-/// pool; an exception that would leave one ends the program.
+/// Each instance carries one C++ object, its state: `attach` makes it once the instance is initialised, before any
+/// method that uses it can be called, and it is destroyed with the instance. A static member that takes the instance
+/// first becomes a method that needs no state; a class of such methods alone has `void` for its state. Encodings come
+/// from the C++ types. Every method opens an autorelease pool; an exception that would leave one ends the program.
 #pragma once
 
 #include "platform/Send.hpp"
@@ -65,6 +65,7 @@ template <class State, Name superclass> id initialise(id self) {
 template <class State, Name name, Name superclass> class RuntimeClass {
 public:
   RuntimeClass() : cls(objc_allocateClassPair(theClass<superclass>.found(), name.text, 0)) {
+    if (cls == nullptr) __builtin_trap(); // no such superclass, or another class has the name
     if constexpr (hasState) {
       class_addIvar(cls, "state", sizeof(State*), 3, "^v");
       method<"dealloc", &RuntimeClass::dealloc>();

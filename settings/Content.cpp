@@ -56,11 +56,11 @@ NSImageView makeIconView() {
 
 MappingsWindowController::FlippedView MappingsWindowController::FlippedView::make() {
   runtimeClass();
-  return platform::make<"FlippedView", "initWithFrame:", FlippedView>(NSRect{});
+  return platform::make<"MappingsWindowController.FlippedView", "initWithFrame:", FlippedView>(NSRect{});
 }
 
 Class MappingsWindowController::FlippedView::runtimeClass() {
-  static const Class registered = RuntimeClass<void, "FlippedView", "NSView">()
+  static const Class registered = RuntimeClass<void, "MappingsWindowController.FlippedView", "NSView">()
                                       .method<"initWithFrame:", &FlippedView::initWithFrame>()
                                       .method<"initWithCoder:", &FlippedView::initWithCoder>()
                                       .method<"isFlipped", &FlippedView::isFlipped>()

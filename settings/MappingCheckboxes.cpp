@@ -4,24 +4,26 @@ namespace tarnwick {
 
 using namespace platform;
 
-using Window = MappingsWindowController;
+namespace {
+using Controller = MappingsWindowController;
 using Engine = KeyRemapper;
+} // namespace
 
-constinit const std::array<Window::Binding, 14> Window::bindings{{
-    {&Window::clipboardCheckbox, &Engine::mapClipboard},
-    {&Window::redoCheckbox, &Engine::mapRedo},
-    {&Window::newFileCheckbox, &Engine::mapNewFile},
-    {&Window::saveCheckbox, &Engine::mapSave},
-    {&Window::wordSkipCheckbox, &Engine::mapWordSkip},
-    {&Window::findCheckbox, &Engine::mapFind},
-    {&Window::atQuoteSwapCheckbox, &Engine::mapAtQuoteSwap},
-    {&Window::boldCheckbox, &Engine::mapBold},
-    {&Window::underlineCheckbox, &Engine::mapUnderline},
-    {&Window::italicCheckbox, &Engine::mapItalic},
-    {&Window::lockScreenCheckbox, &Engine::mapLockScreen},
-    {&Window::finderDeleteToBinCheckbox, &Engine::mapFinderDeleteToBin},
-    {&Window::finderDeleteConfirmCheckbox, &Engine::mapFinderDeleteConfirm},
-    {&Window::finderRenameCheckbox, &Engine::mapFinderRename},
+constinit const std::array<Controller::Binding, 14> Controller::bindings{{
+    {&Controller::clipboardCheckbox, &Engine::mapClipboard},
+    {&Controller::redoCheckbox, &Engine::mapRedo},
+    {&Controller::newFileCheckbox, &Engine::mapNewFile},
+    {&Controller::saveCheckbox, &Engine::mapSave},
+    {&Controller::wordSkipCheckbox, &Engine::mapWordSkip},
+    {&Controller::findCheckbox, &Engine::mapFind},
+    {&Controller::atQuoteSwapCheckbox, &Engine::mapAtQuoteSwap},
+    {&Controller::boldCheckbox, &Engine::mapBold},
+    {&Controller::underlineCheckbox, &Engine::mapUnderline},
+    {&Controller::italicCheckbox, &Engine::mapItalic},
+    {&Controller::lockScreenCheckbox, &Engine::mapLockScreen},
+    {&Controller::finderDeleteToBinCheckbox, &Engine::mapFinderDeleteToBin},
+    {&Controller::finderDeleteConfirmCheckbox, &Engine::mapFinderDeleteConfirm},
+    {&Controller::finderRenameCheckbox, &Engine::mapFinderRename},
 }};
 
 void MappingsWindowController::updateCheckboxes() {
