@@ -16,7 +16,9 @@ using namespace desktop;
 
 constexpr auto floorName = "floor/hash_set_lookup";
 
-[[gnu::noinline]] void nothing() { benchmark::ClobberMemory(); }
+[[gnu::noinline]] void nothing() {
+  benchmark::ClobberMemory();
+}
 
 void emptyCall(benchmark::State& state) {
   for (auto step : state) {
@@ -28,7 +30,8 @@ void emptyCall(benchmark::State& state) {
 void hashSetLookup(benchmark::State& state) {
   // More entries than the library is willing to search one by one.
   std::unordered_set<std::string> set;
-  for (int index = 8000; index < 9000; ++index) set.insert("com.example.app." + std::to_string(index));
+  for (int index = 8000; index < 9000; ++index)
+    set.insert("com.example.app." + std::to_string(index));
   const std::string looked = "com.example.app.8500";
   for (auto step : state) {
     static_cast<void>(step);
@@ -85,13 +88,15 @@ class Ratios : public benchmark::ConsoleReporter {
 public:
   void ReportRuns(const std::vector<Run>& runs) override {
     ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs) times[run.benchmark_name()] = run.GetAdjustedCPUTime();
+    for (const Run& run : runs)
+      times[run.benchmark_name()] = run.GetAdjustedCPUTime();
   }
   void Finalize() override {
     const auto floor = times.find(floorName);
     if (floor == times.end()) return;
     std::printf("\nas multiples of %s:\n", floorName);
-    for (const auto& [name, time] : times) std::printf("%6.2f  %s\n", time / floor->second, name.c_str());
+    for (const auto& [name, time] : times)
+      std::printf("%6.2f  %s\n", time / floor->second, name.c_str());
   }
 
 private:

@@ -34,7 +34,9 @@ void CFRelease(CFTypeRef object) {
 Boolean CFEqual(CFTypeRef one, CFTypeRef other) {
   return one == other || as<String>(::objectOf(one))->isEqualToString(as<String>(::objectOf(other)));
 }
-CFHashCode CFHash(CFTypeRef object) { return as<String>(::objectOf(object))->hash(); }
+CFHashCode CFHash(CFTypeRef object) {
+  return as<String>(::objectOf(object))->hash();
+}
 /// Classes are the type identifiers here.
 CFTypeID CFGetTypeID(CFTypeRef object) {
   return reinterpret_cast<CFTypeID>(::objectOf(object)->isa);
