@@ -237,6 +237,7 @@ TEST_F(Layout, AViewThatLeavesTakesItsConstraintsAlong) {
     container.addSubview(leaves);
     container.addSubview(stays);
     activate({leaves.widthAnchor().constraintEqualToConstant(10),
+              leaves.leadingAnchor().constraintEqualToAnchor(container.leadingAnchor(), 10),
               stays.leadingAnchor().constraintEqualToAnchor(leaves.trailingAnchor(), 5),
               stays.widthAnchor().constraintEqualToAnchor(container.widthAnchor(), -20)});
     leaves.removeFromSuperview();
@@ -301,6 +302,28 @@ TEST_F(Layout, TimeIsLinearInTheNumberOfRows) {
     each.removeFromSuperview();
   }
   EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(5));
+}
+
+TEST(ConstraintSolver, TheContainerIsAsLongAsItsMostDemandingBoxNeeds) {
+  const auto inset = [](std::size_t box, double by) {
+    return std::vector<Relation>{{box, Edge::Start, 0, Edge::Start, by}, {0, Edge::End, box, Edge::End, by}};
+  };
+  std::vector<Relation> relations;
+  for (const auto& each : {inset(1, 20), inset(2, 5), inset(3, 0)})
+    relations.insert(relations.end(), each.begin(), each.end());
+  EXPECT_EQ(solve({std::nullopt, 30, 70, std::nullopt}, relations).least, 80);
+  EXPECT_EQ(solve({std::nullopt, 50, 70, std::nullopt}, relations).least, 90);
+  EXPECT_EQ(solve({std::nullopt, std::nullopt, std::nullopt, std::nullopt}, relations).least, std::nullopt);
+}
+
+TEST(ConstraintSolver, OfContradictionsTheFirstHoldsAndCirclesEnd) {
+  const Solution contradicting =
+      solve({std::nullopt, 30}, {{1, Edge::Start, 0, Edge::Start, 5}, {1, Edge::Start, 0, Edge::Start, 9}});
+  EXPECT_EQ(contradicting.spans[1].start.in(100), 5);
+  const Solution circle =
+      solve({std::nullopt, 30, 40}, {{1, Edge::Start, 2, Edge::End, 1}, {2, Edge::Start, 1, Edge::End, 1}});
+  EXPECT_EQ(circle.spans[1].length.in(100), 30);
+  EXPECT_EQ(circle.spans[2].start.in(100), circle.spans[1].start.in(100) + 31);
 }
 
 TEST(LayoutDeathTest, MistakesStopWithASentence) {

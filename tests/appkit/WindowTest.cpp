@@ -114,27 +114,27 @@ struct Outcome {
   std::string path;
 };
 
-Outcome runPanel(Desktop& machine, const std::function<void(OpenPanel&)>& act) {
+Outcome run(const mac::NSOpenPanel& panel, Desktop& machine, const std::function<void(OpenPanel&)>& act) {
   bool acted = false;
   machine.nextCommand = [&] {
     if (!acted && act) act(*machine.appKit->frontPanel());
     return act && !std::exchange(acted, true);
   };
-  const auto panel = mac::NSOpenPanel::openPanel();
-  panel.setTitle(mac::NSString::utf8("Choose"));
   const auto response = panel.runModal();
   const mac::NSURL url = panel.URL();
   return {response, url ? as<URL>(url.object())->path : "none"};
 }
 
 TEST_F(WindowTest, APanelAnswersWithWhatTheUserChose) {
-  const Outcome chosen = runPanel(desktop.machine, [](OpenPanel& panel) { panel.choose("/A b.app"); });
+  const auto panel = mac::NSOpenPanel::openPanel();
+  panel.setTitle(mac::NSString::utf8("Choose"));
+  const Outcome chosen = run(panel, desktop.machine, [](OpenPanel& shown) { shown.choose("/A b.app"); });
   EXPECT_EQ(chosen.response, 1);
   EXPECT_EQ(chosen.path, "/A b.app");
-  const Outcome cancelled = runPanel(desktop.machine, [](OpenPanel& panel) { panel.cancel(); });
+  const Outcome cancelled = run(panel, desktop.machine, [](OpenPanel& shown) { shown.cancel(); });
   EXPECT_EQ(cancelled.response, 0);
   EXPECT_EQ(cancelled.path, "none");
-  const Outcome ended = runPanel(desktop.machine, {});
+  const Outcome ended = run(panel, desktop.machine, {});
   EXPECT_EQ(ended.response, -1001);
   EXPECT_EQ(ended.path, "none");
   EXPECT_EQ(desktop.machine.appKit->frontModal(), nullptr);
