@@ -70,7 +70,7 @@ void AppDelegate::applicationWillTerminate(id /*notification*/) {
 }
 
 NSMenuItem AppDelegate::makeItem(const char* title, SEL action, const char* keyEquivalent) const {
-  const auto item = NSMenuItem::make(NSString::utf8(title), action, NSString::utf8(keyEquivalent));
+  auto item = NSMenuItem::make(NSString::utf8(title), action, NSString::utf8(keyEquivalent));
   item.setTarget(self);
   return item;
 }

@@ -123,11 +123,12 @@ std::string Svg::clip(CGRect rect, double radius) {
 
 std::string Svg::shadow(CGSize offset, double radius, double opacity) {
   const std::string name = newName();
-  // Spelt out: not every viewer knows feDropShadow, and those that do not draw nothing at all.
-  code += "<filter" + attribute("id", name) + " x=\"-50%\" y=\"-50%\" width=\"200%\" height=\"200%\">" +
-          "<feGaussianBlur in=\"SourceAlpha\"" + attribute("stdDeviation", radius) + "/><feOffset" +
-          attribute("dx", offset.width) + attribute("dy", offset.height) +
-          "/><feComponentTransfer><feFuncA type=\"linear\"" + attribute("slope", opacity) +
+  code += "<filter" + attribute("id", name) +
+          " x=\"-50%\" y=\"-50%\" width=\"200%\" height=\"200%\" color-interpolation-filters=\"sRGB\">"
+          "<feGaussianBlur in=\"SourceAlpha\"" +
+          attribute("stdDeviation", radius) + "/><feOffset" + attribute("dx", offset.width) +
+          attribute("dy", offset.height) + "/><feComponentTransfer><feFuncA type=\"linear\"" +
+          attribute("slope", opacity) +
           "/></feComponentTransfer><feMerge><feMergeNode/><feMergeNode in=\"SourceGraphic\"/></feMerge></filter>\n";
   return attribute("filter", "url(#" + name + ')');
 }

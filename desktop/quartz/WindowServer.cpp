@@ -84,7 +84,7 @@ void WindowServer::type(CGEventType type, std::uint16_t code, CGEventFlags flags
   }
 }
 
-void WindowServer::post(Ref<Event> event) {
+void WindowServer::post(const Ref<Event>& event) {
   Desktop::current().journal(factOf({"post"}, *event));
   // The server takes a copy: what its maker does to the event afterwards has no effect.
   posted.push_back(makeEvent(event->type, static_cast<std::uint16_t>(event->code), event->flags));

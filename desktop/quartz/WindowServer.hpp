@@ -52,7 +52,7 @@ public:
   /// A key of the keyboard. Goes through the taps and to the frontmost application before this returns.
   void type(CGEventType type, std::uint16_t code, CGEventFlags flags);
   /// An event made by a program: on its way once the run loop turns.
-  void post(Ref<Event> event);
+  void post(const Ref<Event>& event);
   /// Sends the next posted event on its way; false when there is none.
   bool sendPosted();
   /// Disables the listening taps and tells them; false when there are none.
