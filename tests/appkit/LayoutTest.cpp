@@ -4,7 +4,6 @@
 #include "platform/RuntimeClass.hpp"
 #include "tests/support/TestDesktop.hpp"
 
-
 inline std::ostream& operator<<(std::ostream& stream, const CGRect& rect) {
   return stream << rect.origin.x << ' ' << rect.origin.y << ' ' << rect.size.width << ' ' << rect.size.height;
 }
