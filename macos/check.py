@@ -26,7 +26,7 @@ TEXT = re.compile(rb"[\x20-\x7e]{4,}")
 ABSOLUTE_PATH = re.compile(r"(?<![\w/:.@])/[\w.+-]+/[\w.+/-]+")
 SOURCE_FILE = re.compile(r"[\w./-]+\.(?:cpp|cc|hpp|o|a)\b")
 USER_PATHS = ("/Applications", "/System/")  # a Mac has these, so the program may name them
-STAND_IN = "desktop_"  # how the entry points of the development desktop begin
+STAND_IN = "N7desktop"  # how the names of the development desktop begin
 
 
 def check_image(image, libraries, any_symbol):

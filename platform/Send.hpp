@@ -6,9 +6,7 @@
 #include <utility>
 
 #if !defined(__APPLE__)
-/// The stand-in's look-up: stops the program with a sentence unless `receiver` has a method `selector` of exactly this
-/// encoding. The search starts at `start`, or at the receiver's class when that is null.
-extern "C" IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding);
+#include "desktop/runtime/Objects.hpp"
 #endif
 
 namespace platform {
@@ -106,7 +104,9 @@ template <class Result> constexpr bool returnsThroughMemory() {
   return false;
 }
 
-template <class Result, class... Arguments> Result call(id receiver, SEL selector, Arguments... arguments) {
+template <Name name, class Receiver, class Result, class... Arguments>
+Result call(id receiver, Arguments... arguments) {
+  const SEL selector = selectorNamed<name>();
 #if defined(__x86_64__)
   if constexpr (returnsThroughMemory<Result>()) {
     return reinterpret_cast<Method<Result, Arguments...>>(objc_msgSend_stret)(receiver, selector, arguments...);
@@ -124,12 +124,16 @@ Result callSuper(id receiver, Class superclass, SEL selector, Arguments... argum
 #else
 template <class Result, class... Arguments>
 Result callSuper(id receiver, Class superclass, SEL selector, Arguments... arguments) {
-  const IMP method = desktop_methodFor(receiver, superclass, selector, methodEncoding<Result, Arguments...>.text);
+  const IMP method = desktop::methodFor(receiver, superclass, selector, methodEncoding<Result, Arguments...>.text);
   return reinterpret_cast<Method<Result, Arguments...>>(method)(receiver, selector, arguments...);
 }
 
-template <class Result, class... Arguments> Result call(id receiver, SEL selector, Arguments... arguments) {
-  return callSuper<Result, Arguments...>(receiver, nullptr, selector, arguments...);
+template <Name name, class Receiver, class Result, class... Arguments>
+Result call(id receiver, Arguments... arguments) {
+  static desktop::CallSite site;
+  if (receiver->isa != site.cls)
+    site = desktop::resolved(receiver, name.text, methodEncoding<Result, Arguments...>.text);
+  return reinterpret_cast<Method<Result, Arguments...>>(site.method)(receiver, site.selector, arguments...);
 }
 #endif
 
@@ -142,12 +146,11 @@ Result send(const Receiver& receiver, const Arguments&... arguments) {
   const id target = wire::target(receiver);
   if constexpr (std::is_void_v<Result>) {
     if (target == nullptr) return;
-    wire::call<void, wire::Sent<Arguments>...>(target, selectorNamed<selector>(),
-                                               wire::Form<Arguments>::out(arguments)...);
+    wire::call<selector, Receiver, void, wire::Sent<Arguments>...>(target, wire::Form<Arguments>::out(arguments)...);
   } else {
     if (target == nullptr) return Result{};
-    return wire::Form<Result>::in(wire::call<wire::Sent<Result>, wire::Sent<Arguments>...>(
-        target, selectorNamed<selector>(), wire::Form<Arguments>::out(arguments)...));
+    return wire::Form<Result>::in(wire::call<selector, Receiver, wire::Sent<Result>, wire::Sent<Arguments>...>(
+        target, wire::Form<Arguments>::out(arguments)...));
   }
 }
 

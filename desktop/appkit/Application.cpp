@@ -17,7 +17,7 @@ Application* sharedApplication() {
 void tellDelegate(id delegate, const char* selector) {
   if (delegate == nullptr || !respondsTo(delegate, selector)) return;
   const auto notification = create<Notification>();
-  platform::wire::call<void, id>(delegate, sel_registerName(selector), notification.get());
+  perform<void, id>(delegate, sel_registerName(selector), notification.get());
 }
 
 void Application::setDelegate(id value) {

@@ -186,14 +186,14 @@ std::optional<double> fittingLength(View& view, Axis axis) {
   if (const auto length = demandedLength(view, axis)) return length;
   if (const auto* stack = ifIs<StackView>(&view)) return stackLength(*stack, axis);
   static const SEL intrinsicContentSize = sel_registerName("intrinsicContentSize");
-  const double intrinsic = along(platform::wire::call<CGSize>(&view, intrinsicContentSize), axis);
+  const double intrinsic = along(perform<CGSize>(&view, intrinsicContentSize), axis);
   if (intrinsic >= 0) return intrinsic;
   return view.constraints.empty() ? std::nullopt : Ties(view, axis).solved().least;
 }
 
 bool isFlipped(View& view) {
   static const SEL isFlipped = sel_registerName("isFlipped");
-  return platform::wire::call<BOOL>(&view, isFlipped);
+  return perform<BOOL>(&view, isFlipped);
 }
 
 CGRect frameFromTop(View& view) {

@@ -41,13 +41,6 @@ const Method* findMethod(Class start, SEL selector) {
   return nullptr;
 }
 
-void forgetLookups() {
-  for (auto& [name, cls] : registry().classes)
-    cls->cache = {};
-  for (auto& cls : registry().metaclasses)
-    cls->cache = {};
-}
-
 std::string describeReceiver(id receiver) {
   const Class cls = receiver->isa;
   return cls->isMeta ? "the class " + cls->name : "a " + cls->name;
@@ -91,18 +84,6 @@ void addRootMethod(Class to, const char* selector, Result (*function)(id, SEL, A
                   platform::methodEncoding<Result, Arguments...>.text);
 }
 
-[[noreturn]] void stopAsReleased(const Object* object, const char* what) {
-  stop("a released " + object->isa->name + " was " + what);
-}
-
-// Out of line, like all that is rare, so that the key path stays short.
-[[gnu::noinline]] void endLife(Object* object) {
-  if (object->references < 0) stopAsReleased(object, "released again");
-  static const SEL selector = sel_registerName("dealloc");
-  const IMP method = desktop_methodFor(object, nullptr, selector, platform::methodEncoding<void>.text);
-  reinterpret_cast<void (*)(id, SEL)>(method)(object, selector);
-}
-
 /// Finds the method, or stops the program with what is wrong with the call.
 IMP checkedMethod(id receiver, Class cls, SEL selector, const char* encoding) {
   const std::string name = std::string("'") + selectorText(selector) + "'";
@@ -115,12 +96,6 @@ IMP checkedMethod(id receiver, Class cls, SEL selector, const char* encoding) {
          encoding);
   }
   return method->implementation;
-}
-
-[[gnu::noinline]] IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector,
-                               const char* encoding) {
-  entry = {selector, encoding, checkedMethod(receiver, cls, selector, encoding)};
-  return entry.implementation;
 }
 
 } // namespace
@@ -153,13 +128,26 @@ bool conformsTo(id object, const std::string& protocol) {
   return false;
 }
 
-Object* retain(Object* object) {
-  if (object->references++ <= 0) stopAsReleased(object, "retained");
-  return object;
+IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector, const char* encoding) {
+  entry = {selector, encoding, checkedMethod(receiver, cls, selector, encoding)};
+  for (Class each = cls; each != nullptr; each = each->superclass)
+    each->isUsed = true;
+  return entry.implementation;
 }
 
-void release(Object* object) {
-  if (--object->references <= 0) endLife(object);
+CallSite resolved(id receiver, const char* selector, const char* encoding) {
+  const SEL registered = sel_registerName(selector);
+  return {receiver->isa, registered, methodFor(receiver, nullptr, registered, encoding)};
+}
+
+void stopAsReleased(const Object* object, const char* what) {
+  stop("a released " + object->isa->name + " was " + what);
+}
+
+void endLife(Object* object) {
+  if (object->references < 0) stopAsReleased(object, "released again");
+  static const SEL selector = sel_registerName("dealloc");
+  perform<void>(object, selector);
 }
 
 id autorelease(id object) {
@@ -170,7 +158,7 @@ id autorelease(id object) {
 }
 
 Object* allocate(Class cls) {
-  void* const memory = std::calloc(1, cls->instanceSize);
+  void* const memory = std::memset(::operator new(cls->instanceSize), 0, cls->instanceSize);
   cls->construct(memory);
   auto* const object = static_cast<Object*>(memory);
   object->isa = cls;
@@ -218,9 +206,9 @@ void sendAction(SEL selector, id target, id sender) {
   if (target == nullptr || selector == nullptr) return;
   const bool takesSender = std::strchr(selectorText(selector), ':') != nullptr;
   if (takesSender) {
-    platform::wire::call<void, id>(target, selector, sender);
+    perform<void, id>(target, selector, sender);
   } else {
-    platform::wire::call<void>(target, selector);
+    perform<void>(target, selector);
   }
 }
 
@@ -238,14 +226,6 @@ void registerRootClass() {
 using desktop::registry;
 
 extern "C" {
-
-IMP desktop_methodFor(id receiver, Class start, SEL selector, const char* encoding) {
-  // A released instance is found out by its class; a message to its superclass has to look.
-  const Class cls = start != nullptr && !receiver->isa->isReleased ? start : receiver->isa;
-  objc_class::CacheEntry& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
-  if (entry.selector == selector && entry.encoding == encoding) return entry.implementation;
-  return desktop::remember(entry, receiver, cls, selector, encoding);
-}
 
 Class objc_getClass(const char* name) {
   const auto found = registry().classes.find(name);
@@ -275,9 +255,8 @@ Class objc_allocateClassPair(Class superclass, const char* name, std::size_t /*e
 void objc_registerClassPair(Class) {}
 
 BOOL class_addMethod(Class cls, SEL name, IMP implementation, const char* types) {
-  const bool added = cls->methods.try_emplace(name, desktop::Method{implementation, types}).second;
-  desktop::forgetLookups();
-  return added;
+  if (cls->isUsed) desktop::stop(cls->name + " was given a method after it had been sent messages");
+  return cls->methods.try_emplace(name, desktop::Method{implementation, types}).second;
 }
 
 BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t alignment, const char* /*types*/) {
@@ -314,14 +293,6 @@ SEL sel_registerName(const char* name) {
     registry().selectorTexts[selector] = name;
   }
   return selector;
-}
-
-id objc_retain(id object) {
-  return object != nullptr ? desktop::retain(static_cast<desktop::Object*>(object)) : nullptr;
-}
-
-void objc_release(id object) {
-  if (object != nullptr) desktop::release(static_cast<desktop::Object*>(object));
 }
 
 void* objc_autoreleasePoolPush() {

@@ -7,10 +7,7 @@
 
 #include "platform/Send.hpp"
 
-#include <array>
-#include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace desktop {
@@ -19,60 +16,9 @@ using platform::NSInteger;
 using platform::NSRange;
 using platform::NSUInteger;
 
-struct Method {
-  IMP implementation = nullptr;
-  std::string encoding;
-};
-
 /// Prints "tarnwick: SENTENCE" on standard error and ends the process by abort.
 [[noreturn]] void stop(const std::string& sentence);
 
-} // namespace desktop
-
-struct objc_object {
-  Class isa = nullptr;
-};
-
-/// A class, or (as the `isa` of one) the holder of its class methods.
-struct objc_class : objc_object {
-  std::string name;
-  Class superclass = nullptr;
-  bool isMeta = false;
-  /// The class that instances get when they are released for good: every message to them is a fault.
-  bool isReleased = false;
-  std::size_t instanceSize = 0;
-  /// Makes and destroys the C++ part of an instance; inherited.
-  void (*construct)(void*) = nullptr;
-  void (*destroy)(objc_object*) = nullptr;
-  std::unordered_map<SEL, desktop::Method> methods;
-  std::unordered_map<std::string, std::ptrdiff_t> variables;
-  std::set<std::string> protocols;
-  /// How many instances are alive.
-  long live = 0;
-
-  /// A checked look-up: this selector, called with the encoding at this address, ends at this method.
-  struct CacheEntry {
-    SEL selector = nullptr;
-    const char* encoding = nullptr;
-    IMP implementation = nullptr;
-  };
-  std::array<CacheEntry, 64> cache{};
-};
-
-namespace desktop {
-
-/// What every instance begins with. Made with one reference, which belongs to the maker; none are left when it is
-/// released for good.
-struct Object : objc_object {
-  long references = 1;
-
-  Object() = default;
-  Object(const Object&) = delete;
-  Object& operator=(const Object&) = delete;
-};
-
-Object* retain(Object* object);
-void release(Object* object);
 /// Released when the innermost pool ends.
 id autorelease(id object);
 
@@ -255,6 +201,11 @@ private:
 
   Class cls;
 };
+
+/// Sends a message whose selector is known only now.
+template <class Result, class... Arguments> Result perform(id receiver, SEL selector, Arguments... arguments) {
+  return platform::wire::callSuper<Result, Arguments...>(receiver, nullptr, selector, arguments...);
+}
 
 /// Sends an action: `selector` with or without its sender, as the selector's colon says.
 void sendAction(SEL selector, id target, id sender);

@@ -55,7 +55,6 @@ CALLBACKS = {"CGEventTapCallBack": "__CGEvent* (*)(__CGEventTapProxy*, CGEventTy
              "dispatch_function_t": "void (*)(void*)", "DispatchFunction": "void (*)(void*)"}
 INTEGERS = {(1, False): "C", (1, True): "c", (2, False): "S", (2, True): "s", (4, False): "I", (4, True): "i",
             (8, False): "Q", (8, True): "q"}
-NOT_OF_THE_PLATFORM = {"desktop_methodFor"}  # the stand-in's own entry, absent from a Mac's build
 ALIASES = {"CFRunLoopModeRef": "CFStringRef"}
 ANY_POINTER = {"CFTypeRef", "pointer", "id"}
 
@@ -94,7 +93,7 @@ class Declarations:
                 self.enumerations[found[0]] = INTEGERS[int(found[1].rstrip("l")), found[2] == "true"]
         for name in sorted(reported):
             yield from self.check_reported(name)
-        for name in sorted(self.named(FUNCTION) - functions - NOT_OF_THE_PLATFORM):
+        for name in sorted(self.named(FUNCTION) - functions):
             yield f"the platform has no function {name}{close_to(name, self.facts.functions)}"
         for name in sorted(self.named(VARIABLE) - variables):
             yield f"the platform has no variable {name}{close_to(name, self.facts.variables)}"

@@ -263,16 +263,17 @@ class Reader:
         """A selector that is not sent at once, but given to somebody who will send it."""
         selector = template(name, "platform::selectorNamed") if "selectorNamed<" in name else None
         for caller in sorted(map(self.name, self.callers[symbol])) if selector else ():
-            if not re.match(r".*\bplatform::(send|sendSuper|RuntimeClass)<", caller):
+            if not re.match(r".*\bplatform::(wire::call|sendSuper|RuntimeClass)<", caller):
                 self.asked.actions[text_of(selector[0])] = caller
 
-    def sent(self, used, entry):
-        """Result, arguments and way of the call that a message ends in."""
+    def sent(self, used, entry, ahead=0):
+        """Result, arguments and way of the call that a message ends in; so many template arguments stand ahead."""
         for symbol in used:
             types = template(self.name(symbol), entry)
             if types:
                 ways = {way for way in self.code.uses.get(symbol, ()) if way.startswith("objc_msgSend")}
-                return types[0], types[1:], " ".join(sorted(ways))
+                result, *arguments = types[ahead:]
+                return result, arguments, " ".join(sorted(ways))
         raise ProgramError(f"a message does not end in {entry}: macos/interface/program.py must follow "
                            "platform/Send.hpp")
 
@@ -292,7 +293,7 @@ class Reader:
             return
         owner = text_of(named[0]) if named else class_of(receiver)
         self.add(symbol, owner, "+" if named else "-", text_of(selector), [result, *rest],
-                 self.sent(used, "platform::wire::call"))
+                 self.sent(used, "platform::wire::call", 2))
 
     def is_only_sent_by_make(self, symbol):
         """The initialiser's message, which is read from `make` with its class."""
@@ -311,7 +312,7 @@ class Reader:
             send = template(self.name(called), "platform::send")
             if send and send[0] == initialiser and send[2] == "objc_object*":
                 self.add(symbol, text_of(owner), "-", text_of(initialiser), [result, *rest],
-                         self.sent(self.code.uses[called], "platform::wire::call"))
+                         self.sent(self.code.uses[called], "platform::wire::call", 2))
 
     def read_registration(self, name, used):
         """RuntimeClass<State, class, superclass>::method<selector, member>()"""

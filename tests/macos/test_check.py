@@ -107,7 +107,7 @@ class Check(unittest.TestCase):
 
     def test_text_of_the_building_machine(self):
         for text in ("/home/someone/tarnwick/app/Main", "/usr/lib/llvm/include", "read /opt/tools/cc now",
-                     "remap/EventTap.cpp", "desktop_methodFor"):
+                     "remap/EventTap.cpp", "_ZN7desktop8resolvedEv"):
             with self.subTest(text):
                 code = self.linked(fixture.SOURCE + f'__attribute__((used)) const char left[] = "{text}";\n')
                 self.assert_problem('the text ".*" of the machine', code)

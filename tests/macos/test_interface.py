@@ -76,7 +76,7 @@ MESSAGES = {
     'send<"setSubmenu:">(item, NSString());': "takes an NSMenu as argument 1, the program passes an NSString",
     'send<"activate">(NSApplication());': r"-\[NSApplication activate\] came with macOS 14.0",
     'send<"badge", NSObject>(item);': r"-\[NSMenuItem badge\] is recorded for newer systems only",
-    "wire::call<void>(item.object(), SEL());": "calls void platform::wire::call<void> itself",
+    'wire::call<"length", NSString, void>(item.object());': "calls void platform::wire::call<.*> itself",
     'item.setAction(selectorNamed<"qiut">());': "no class of the program answers the action qiut; close: quit",
     'make<"NSMenu", "initWithTitel:">(NSString());': "NSMenu has no method initWithTitel:; close: initWithTitle:",
 }

@@ -38,8 +38,19 @@ TEST(MessagesDeathTest, StopTheProgramWhenTheyAreWrong) {
        "'setEnabled:' of a NSMenuItem has the type v@:B but was called as v@:i"},
       {"an argument of another class", [] { send<"addItem:">(NSMenu::make(), NSString::utf8("text")); },
        "a NSString was given where a NSMenuItem is wanted"},
-      {"a released receiver", [] { send<"length", NSUInteger>(releasedString()); },
+      {"a released receiver, after one that lives",
+       [] {
+         const auto alive = NSString::utf8("text");
+         for (const id receiver : {alive.object(), releasedString()})
+           send<"length", NSUInteger>(receiver);
+       },
        "message 'length' to a released NSString"},
+      {"a method for a class in use",
+       [] {
+         const auto text = NSString::utf8("text");
+         class_addMethod(objc_getClass("NSString"), selectorNamed<"uppercaseString">(), nullptr, "@@:");
+       },
+       "NSString was given a method after it had been sent messages"},
       {"a released object kept", [] { objc_retain(releasedString()); }, "a released NSString was retained"},
       {"one release too many", [] { objc_release(releasedString()); }, "a released NSString was released again"},
   };

@@ -90,7 +90,10 @@ TEST_F(RuntimeClassTest, MayOverrideAndCallItsSuperclass) {
   EXPECT_EQ(states, 2) << "one of each class";
   send<"deposit:">(account, 1.0);
   EXPECT_EQ((send<"balance", double>(account)), 1.5);
+  const auto plain = make<"TestAccount", "init">();
   EXPECT_EQ((send<"balanceAsked", double>(account)), 1.5) << "what is inherited must find what overrides";
+  EXPECT_EQ((send<"balanceAsked", double>(plain)), 0) << "one sender, another class";
+  EXPECT_EQ((send<"balanceAsked", double>(account)), 1.5) << "and back";
 }
 
 TEST_F(RuntimeClassTest, NeedsNoStateWhereNoneIsUsed) {

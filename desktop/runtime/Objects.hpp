@@ -1,0 +1,114 @@
+/// What objects and classes of the stand-in are made of, and what every message goes through: the look-up of its method
+/// and the counts of references. Short enough to be compiled into the sender.
+#pragma once
+
+#include "platform/Runtime.hpp"
+
+#include <array>
+#include <set>
+#include <string>
+#include <unordered_map>
+
+namespace desktop {
+
+struct Method {
+  IMP implementation = nullptr;
+  std::string encoding;
+};
+
+} // namespace desktop
+
+struct objc_object {
+  Class isa = nullptr;
+};
+
+/// A class, or (as the `isa` of one) the holder of its class methods.
+struct objc_class : objc_object {
+  /// A checked look-up: this selector, called with the encoding at this address, ends at this method.
+  struct CacheEntry {
+    SEL selector = nullptr;
+    const char* encoding = nullptr;
+    IMP implementation = nullptr;
+  };
+  std::array<CacheEntry, 64> cache{};
+
+  std::string name;
+  Class superclass = nullptr;
+  bool isMeta = false;
+  /// The class that instances get when they are released for good: every message to them is a fault.
+  bool isReleased = false;
+  std::size_t instanceSize = 0;
+  /// Makes and destroys the C++ part of an instance; inherited.
+  void (*construct)(void*) = nullptr;
+  void (*destroy)(objc_object*) = nullptr;
+  std::unordered_map<SEL, desktop::Method> methods;
+  std::unordered_map<std::string, std::ptrdiff_t> variables;
+  std::set<std::string> protocols;
+  /// It or a class derived from it has been sent a message: what was looked up is remembered, so no method may be
+  /// added.
+  bool isUsed = false;
+  /// How many instances are alive.
+  long live = 0;
+};
+
+namespace desktop {
+
+/// What every instance begins with. Made with one reference, which belongs to the maker; none are left when it is
+/// released for good.
+struct Object : objc_object {
+  long references = 1;
+
+  Object() = default;
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+};
+
+/// Looks the method up, checks it and fills `entry`; stops the program with a sentence unless `receiver` has a method
+/// `selector` of exactly this encoding.
+IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector, const char* encoding);
+
+/// One message of the sources: whom it went to last, and the method checked for that class.
+struct CallSite {
+  Class cls = nullptr;
+  SEL selector = nullptr;
+  IMP method = nullptr;
+};
+[[gnu::cold]] CallSite resolved(id receiver, const char* selector, const char* encoding);
+
+/// The method that a message ends in. The search starts at `start`, or at the receiver's class when that is null.
+inline IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
+  // A released instance is found out by its class; a message to its superclass has to look.
+  const Class cls = start != nullptr && !receiver->isa->isReleased ? start : receiver->isa;
+  auto& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
+  if (entry.selector == selector && entry.encoding == encoding) [[likely]]
+    return entry.implementation;
+  return remember(entry, receiver, cls, selector, encoding);
+}
+
+[[noreturn, gnu::cold]] void stopAsReleased(const Object* object, const char* what);
+/// The last reference is gone.
+[[gnu::noinline]] void endLife(Object* object);
+
+inline Object* retain(Object* object) {
+  if (object->references++ <= 0) [[unlikely]]
+    stopAsReleased(object, "retained");
+  return object;
+}
+
+inline void release(Object* object) {
+  if (--object->references <= 0) [[unlikely]]
+    endLife(object);
+}
+
+} // namespace desktop
+
+extern "C" {
+
+inline id objc_retain(id object) {
+  return object != nullptr ? desktop::retain(static_cast<desktop::Object*>(object)) : nullptr;
+}
+
+inline void objc_release(id object) {
+  if (object != nullptr) desktop::release(static_cast<desktop::Object*>(object));
+}
+}
