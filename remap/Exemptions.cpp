@@ -38,14 +38,18 @@ struct SortKey {
 } // namespace
 
 void KeyRemapper::loadExemptions() {
+  // Most applications are not exempt: in a sparse table their bucket is empty, and nothing is compared.
+  constexpr float sparse = 0.25F;
+  exemptBundleIDs.max_load_factor(sparse);
   const NSArray stored = NSUserDefaults::standardUserDefaults().arrayForKey(exemptionsDefaultsKey);
-  std::unordered_set<NSString, NSStringHash> loaded;
   for (NSUInteger index = 0; index < stored.count(); ++index) {
     const NSString bundleID = asString(stored.objectAtIndex(index));
-    if (!bundleID) return;
-    loaded.insert(bundleID);
+    if (!bundleID) {
+      exemptBundleIDs.clear();
+      return;
+    }
+    exemptBundleIDs.insert(bundleID);
   }
-  exemptBundleIDs = std::move(loaded);
 }
 
 void KeyRemapper::addExemptBundleID(const NSString& bundleID) {

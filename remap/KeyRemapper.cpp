@@ -65,20 +65,18 @@ std::optional<Outcome> KeyRemapper::translateFinderRename(Key key) const {
 }
 
 Outcome KeyRemapper::translateControl(Key key) const {
-  const auto code = static_cast<CGKeyCode>(key.code);
-  if (code != key.code) return Outcome::pass();
-  if (commandKeyCodes.contains(code)) {
-    if (!isMapped(code)) return Outcome::pass();
-    return Outcome::rewrite(code == kVK_ANSI_Y ? redo(key)
-                                               : Key{code, withoutControl(key.flags, kCGEventFlagMaskCommand)});
+  if (commandKeyCodes.contains(key.code)) {
+    if (!isMapped(key.code)) return Outcome::pass();
+    return Outcome::rewrite(key.code == kVK_ANSI_Y ? redo(key)
+                                                   : Key{key.code, withoutControl(key.flags, kCGEventFlagMaskCommand)});
   }
-  if (mapWordSkip && optionKeyCodes.contains(code)) {
-    return Outcome::rewrite({code, withoutControl(key.flags, kCGEventFlagMaskAlternate)});
+  if (mapWordSkip && optionKeyCodes.contains(key.code)) {
+    return Outcome::rewrite({key.code, withoutControl(key.flags, kCGEventFlagMaskAlternate)});
   }
   return Outcome::pass();
 }
 
-bool KeyRemapper::isMapped(CGKeyCode commandKeyCode) const {
+bool KeyRemapper::isMapped(std::int64_t commandKeyCode) const {
   switch (commandKeyCode) {
   case kVK_ANSI_Y:
     return mapRedo;

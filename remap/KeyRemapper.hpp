@@ -67,13 +67,12 @@ public:
 
 private:
   /// Keys whose Control becomes Command.
-  const std::unordered_set<CGKeyCode> commandKeyCodes{kVK_ANSI_C, kVK_ANSI_V, kVK_ANSI_X, kVK_ANSI_A,
-                                                      kVK_ANSI_Z, kVK_ANSI_Y, kVK_ANSI_N, kVK_ANSI_S,
-                                                      kVK_ANSI_F, kVK_ANSI_B, kVK_ANSI_U, kVK_ANSI_I};
+  static constexpr KeyCodeSet commandKeyCodes{kVK_ANSI_C, kVK_ANSI_V, kVK_ANSI_X, kVK_ANSI_A, kVK_ANSI_Z, kVK_ANSI_Y,
+                                              kVK_ANSI_N, kVK_ANSI_S, kVK_ANSI_F, kVK_ANSI_B, kVK_ANSI_U, kVK_ANSI_I};
   /// Keys whose Control becomes Option.
-  const std::unordered_set<CGKeyCode> optionKeyCodes{kVK_LeftArrow, kVK_RightArrow};
+  static constexpr KeyCodeSet optionKeyCodes{kVK_LeftArrow, kVK_RightArrow};
   /// The modifiers that the rules count as held.
-  const CGEventFlags primaryModifierFlags =
+  static constexpr CGEventFlags primaryModifierFlags =
       kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
 
   static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo) noexcept;
@@ -83,8 +82,8 @@ private:
   std::optional<Outcome> translateFinderDelete(CGEventType type, Key key);
   [[nodiscard]] std::optional<Outcome> translateFinderRename(Key key) const;
   [[nodiscard]] Outcome translateControl(Key key) const;
-  [[nodiscard]] bool isMapped(CGKeyCode commandKeyCode) const;
-  [[nodiscard]] bool hasPrimaryModifier(Key key) const { return (key.flags & primaryModifierFlags) != 0; }
+  [[nodiscard]] bool isMapped(std::int64_t commandKeyCode) const;
+  [[nodiscard]] static bool hasPrimaryModifier(Key key) { return (key.flags & primaryModifierFlags) != 0; }
 
   /// Whether the element with the keyboard focus, in whichever application, takes text. False when that cannot be
   /// found out; waits for the application that holds the focus.

@@ -3,6 +3,8 @@
 
 #include "platform/EventServices.hpp"
 
+#include <cstdint>
+#include <initializer_list>
 #include <optional>
 
 namespace tarnwick {
@@ -52,6 +54,23 @@ inline constexpr CGKeyCode kVK_ForwardDelete = 0x75;
 inline constexpr CGKeyCode kVK_F2 = 0x78;
 inline constexpr CGKeyCode kVK_LeftArrow = 0x7B;
 inline constexpr CGKeyCode kVK_RightArrow = 0x7C;
+
+/// A set of key codes below 128, which all of the platform's are.
+class KeyCodeSet {
+public:
+  constexpr KeyCodeSet(std::initializer_list<CGKeyCode> codes) {
+    for (const CGKeyCode code : codes)
+      halves[code / 64] |= bit(code);
+  }
+  [[nodiscard]] constexpr bool contains(std::int64_t code) const {
+    return code >= 0 && code < 128 && (halves[code / 64] & bit(code)) != 0;
+  }
+
+private:
+  std::uint64_t halves[2]{};
+
+  static constexpr std::uint64_t bit(std::int64_t code) { return std::uint64_t{1} << (code % 64); }
+};
 
 /// The flags with Control taken away and `replacement` held instead; every other bit survives.
 constexpr CGEventFlags withoutControl(CGEventFlags flags, CGEventFlags replacement) {

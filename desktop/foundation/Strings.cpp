@@ -42,21 +42,21 @@ String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger e
 }
 
 NSUInteger String::hash() const {
-  // Eight bytes a step, each spread over the whole word.
   constexpr NSUInteger prime = 0x9E3779B97F4A7C15;
-  const char* bytes = reinterpret_cast<const char*>(text.data());
-  std::size_t left = text.size() * sizeof(char16_t);
+  constexpr std::size_t step = sizeof(NSUInteger) / sizeof(char16_t);
+  const char16_t* units = text.data();
+  std::size_t left = text.size();
   NSUInteger hash = left;
-  while (left > 0) {
+  for (; left >= step; left -= step, units += step) {
     NSUInteger chunk = 0;
-    const std::size_t taken = std::min(left, sizeof chunk);
-    std::memcpy(&chunk, bytes, taken);
+    std::memcpy(&chunk, units, sizeof chunk);
     hash = (hash ^ chunk) * prime;
-    hash ^= hash >> 32;
-    bytes += taken;
-    left -= taken;
   }
-  return hash;
+  NSUInteger rest = 0;
+  for (; left > 0; --left)
+    rest = rest << 16 | *units++;
+  hash = (hash ^ rest) * prime;
+  return hash ^ hash >> 32;
 }
 
 BOOL String::isEqualToString(String* other) const {
