@@ -124,9 +124,7 @@ void AppDelegate::checkForUpdates() {
 }
 
 void AppDelegate::openDeveloper() {
-  if (const NSURL url = NSURL::URLWithString(NSString::utf8(developerAddress))) {
-    NSWorkspace::sharedWorkspace().openURL(url);
-  }
+  NSWorkspace::openAddress(developerAddress);
 }
 
 void AppDelegate::quitApp() {

@@ -121,6 +121,7 @@ int main(int count, char** words) {
                                  "--benchmark_display_aggregates_only=true"};
   texts.insert(texts.end(), words + 1, words + count);
   std::vector<char*> arguments;
+  arguments.reserve(texts.size() + 1);
   for (std::string& text : texts)
     arguments.push_back(text.data());
   count = static_cast<int>(arguments.size());

@@ -49,6 +49,10 @@ public:
     return send<"frontmostApplication", NSRunningApplication>(*this);
   }
   void openURL(const NSURL& url) const { send<"openURL:", BOOL>(*this, url); }
+  /// Nothing happens when the text is no URL.
+  static void openAddress(std::string_view address) {
+    if (const NSURL url = NSURL::URLWithString(NSString::utf8(address))) sharedWorkspace().openURL(url);
+  }
 };
 
 } // namespace platform

@@ -22,10 +22,6 @@ NSWindow makeWindow() {
   return window;
 }
 
-void open(const char* address) {
-  if (const NSURL url = NSURL::URLWithString(NSString::utf8(address))) NSWorkspace::sharedWorkspace().openURL(url);
-}
-
 } // namespace
 
 Class MappingsWindowController::runtimeClass() {
@@ -78,11 +74,11 @@ void MappingsWindowController::show() {
 }
 
 void MappingsWindowController::openLoginItems() {
-  open(loginItemsAddress);
+  NSWorkspace::openAddress(loginItemsAddress);
 }
 
 void MappingsWindowController::openDeveloperWebsite() {
-  open(websiteAddress);
+  NSWorkspace::openAddress(websiteAddress);
 }
 
 } // namespace tarnwick

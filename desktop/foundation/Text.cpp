@@ -16,6 +16,14 @@ bool isTrailing(char32_t unit) {
   return unit >= 0xDC00 && unit < 0xE000;
 }
 
+std::string composedPiece(const std::string& piece) {
+  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> result(
+      utf8proc_NFC(reinterpret_cast<const utf8proc_uint8_t*>(piece.c_str())), &std::free);
+  return result ? std::string(reinterpret_cast<const char*>(result.get())) : piece;
+}
+
+} // namespace
+
 void append(std::u16string& text, char32_t point) {
   if (point < 0x10000) {
     text.push_back(static_cast<char16_t>(point));
@@ -25,36 +33,32 @@ void append(std::u16string& text, char32_t point) {
   text.push_back(static_cast<char16_t>(0xDC00 + ((point - 0x10000) & 0x3FF)));
 }
 
-/// The code point at `at`, which moves on; a lone surrogate stands for itself.
+bool isSurrogate(char32_t point) {
+  return isLeading(point) || isTrailing(point);
+}
+
 char32_t nextPoint(std::u16string_view text, std::size_t& at) {
   const char32_t unit = text[at++];
   if (!isLeading(unit) || at == text.size() || !isTrailing(text[at])) return unit;
   return 0x10000 + ((unit - 0xD800) << 10) + (text[at++] - 0xDC00U);
 }
 
-bool isSurrogate(char32_t point) {
-  return isLeading(point) || isTrailing(point);
+std::optional<char32_t> nextPoint(std::string_view text, std::size_t& at) {
+  utf8proc_int32_t point = 0;
+  const auto left = text.substr(at);
+  const auto used = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(left.data()),
+                                     static_cast<utf8proc_ssize_t>(left.size()), &point);
+  if (used <= 0) return std::nullopt;
+  at += static_cast<std::size_t>(used);
+  return static_cast<char32_t>(point);
 }
-
-std::string composedPiece(const std::string& piece) {
-  const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> result(
-      utf8proc_NFC(reinterpret_cast<const utf8proc_uint8_t*>(piece.c_str())), &std::free);
-  return result ? std::string(reinterpret_cast<const char*>(result.get())) : piece;
-}
-
-} // namespace
 
 std::optional<std::u16string> utf16(std::string_view text) {
   std::u16string units;
-  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
-  auto left = static_cast<utf8proc_ssize_t>(text.size());
-  while (left > 0) {
-    utf8proc_int32_t point = 0;
-    const utf8proc_ssize_t used = utf8proc_iterate(bytes, left, &point);
-    if (used <= 0) return std::nullopt;
-    append(units, static_cast<char32_t>(point));
-    bytes += used;
-    left -= used;
+  for (std::size_t at = 0; at < text.size();) {
+    const auto point = nextPoint(text, at);
+    if (!point) return std::nullopt;
+    append(units, *point);
   }
   return units;
 }

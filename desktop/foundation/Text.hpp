@@ -11,6 +11,12 @@ namespace desktop {
 std::optional<std::u16string> utf16(std::string_view text);
 /// Surrogates without their other half become U+FFFD.
 std::string utf8(std::u16string_view text);
+/// The code point at `at`, which moves on: of UTF-16, where a surrogate without its other half stands for itself, or of
+/// UTF-8, where there may be none.
+char32_t nextPoint(std::u16string_view text, std::size_t& at);
+std::optional<char32_t> nextPoint(std::string_view text, std::size_t& at);
+void append(std::u16string& text, char32_t point);
+bool isSurrogate(char32_t point);
 /// The canonical composition (NFC); surrogates without their other half stay.
 std::u16string composed(std::u16string_view text);
 

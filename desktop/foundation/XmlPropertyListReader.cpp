@@ -1,4 +1,5 @@
 #include "desktop/foundation/PropertyList.hpp"
+#include "desktop/foundation/Text.hpp"
 #include "desktop/foundation/XmlScalars.hpp"
 
 #include <algorithm>
@@ -20,19 +21,6 @@ struct Tag {
   bool empty = false; // written as <name/>
   std::size_t at = 0;
 };
-
-void append(std::u16string& text, char32_t character) {
-  if (character < 0x10000) {
-    text.push_back(static_cast<char16_t>(character));
-  } else {
-    text.push_back(static_cast<char16_t>(0xD7C0 + (character >> 10)));
-    text.push_back(static_cast<char16_t>(0xDC00 + (character & 0x3FF)));
-  }
-}
-
-bool isScalarValue(char32_t character) {
-  return character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);
-}
 
 /// Goes through the text once, from front to back. Mistakes leave it as an `XmlFault`.
 class XmlReader {
@@ -226,9 +214,10 @@ private:
     if (name == "quot") return '"';
     if (name == "apos") return '\'';
     if (name.starts_with('#')) {
+      constexpr char32_t lastPoint = 0x10FFFF;
       const bool hexadecimal = name.starts_with("#x");
       const auto number = wholeNumber<std::uint32_t>(name.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
-      if (number && isScalarValue(*number)) return *number;
+      if (number && *number <= lastPoint && !isSurrogate(*number)) return *number;
     }
     fail(start, "an unknown entity");
   }
@@ -236,20 +225,8 @@ private:
   char32_t nextCharacter() {
     const auto start = at;
     if (at == text.size()) fail(at, "the text ends within an element");
-    const auto lead = static_cast<unsigned char>(text[at++]);
-    if (lead < 0x80) return lead;
-    const unsigned more = lead >= 0xF0 ? 3 : lead >= 0xE0 ? 2 : 1;
-    char32_t character = lead & (0x3FU >> more);
-    for (unsigned i = 0; i < more; ++i) {
-      const auto next = at < text.size() ? static_cast<unsigned char>(text[at++]) : 0U;
-      if ((next & 0xC0U) != 0x80) fail(start, "bytes that are not UTF-8");
-      character = character << 6 | (next & 0x3FU);
-    }
-    constexpr char32_t smallest[] = {0, 0x80, 0x800, 0x10000};
-    if (lead < 0xC2 || lead > 0xF4 || character < smallest[more] || !isScalarValue(character)) {
-      fail(start, "bytes that are not UTF-8");
-    }
-    return character;
+    if (const auto point = nextPoint(text, at)) return *point;
+    fail(start, "bytes that are not UTF-8");
   }
 };
 

@@ -1,4 +1,5 @@
 #include "desktop/foundation/PropertyList.hpp"
+#include "desktop/foundation/Text.hpp"
 #include "desktop/foundation/XmlScalars.hpp"
 
 #include <algorithm>
@@ -9,65 +10,35 @@ namespace {
 
 using namespace xmlScalars;
 
-/// Takes the character at `at` off the text; a lone surrogate is answered as it stands.
-char32_t nextCharacter(std::u16string_view text, std::size_t& at) {
-  const char32_t first = text[at++];
-  if (first < 0xD800 || first > 0xDBFF || at == text.size()) return first;
-  const char32_t second = text[at];
-  if (second < 0xDC00 || second > 0xDFFF) return first;
-  ++at;
-  return 0x10000 + ((first - 0xD800) << 10) + (second - 0xDC00);
-}
-
 bool fitsXml(char32_t character) {
   if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
-  return (character < 0xD800 || character > 0xDFFF) && character != 0xFFFE && character != 0xFFFF;
+  return !isSurrogate(character) && character != 0xFFFE && character != 0xFFFF;
 }
 
 bool fitsXml(std::u16string_view text) {
   for (std::size_t at = 0; at < text.size();) {
-    if (!fitsXml(nextCharacter(text, at))) return false;
+    if (!fitsXml(nextPoint(text, at))) return false;
   }
   return true;
 }
 
-void appendUtf8(std::string& out, char32_t character) {
-  const auto push = [&out](char32_t byte) { out.push_back(static_cast<char>(byte)); };
-  const auto continuation = [&](unsigned shift) { push(0x80 | (character >> shift & 0x3F)); };
-  if (character < 0x80) {
-    push(character);
-  } else if (character < 0x800) {
-    push(0xC0 | character >> 6);
-    continuation(0);
-  } else if (character < 0x10000) {
-    push(0xE0 | character >> 12);
-    continuation(6);
-    continuation(0);
-  } else {
-    push(0xF0 | character >> 18);
-    continuation(12);
-    continuation(6);
-    continuation(0);
-  }
-}
-
 std::string escaped(std::u16string_view text) {
-  std::string out;
+  std::u16string out;
   for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = nextCharacter(text, at);
+    const char32_t character = nextPoint(text, at);
     if (character == '&') {
-      out += "&amp;";
+      out += u"&amp;";
     } else if (character == '<') {
-      out += "&lt;";
+      out += u"&lt;";
     } else if (character == '>') {
-      out += "&gt;";
+      out += u"&gt;";
     } else if (character == '\r') {
-      out += "&#13;"; // a bare one is a line break to an XML reader and comes back as \n
+      out += u"&#13;"; // a bare one is a line break to an XML reader and comes back as \n
     } else {
-      appendUtf8(out, fitsXml(character) ? character : 0xFFFD);
+      append(out, fitsXml(character) ? character : 0xFFFD);
     }
   }
-  return out;
+  return utf8(out);
 }
 
 /// Visits a value and writes it, each element on its own line, indented by tabs.
