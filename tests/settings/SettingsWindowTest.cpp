@@ -145,6 +145,17 @@ TEST_F(SettingsWindowTest, OpensWithoutItsIconAndWithABrokenOne) {
   EXPECT_TRUE(click("Open Login Items"));
 }
 
+TEST_F(SettingsWindowTest, ComesBackToTheCentreEachTimeItIsShown) {
+  open();
+  desktop::Window& window = *machine.appKit->frontWindow();
+  const double centred = window.frame.origin.x;
+  EXPECT_EQ(centred, (machine.screen->width - window.frame.size.width) / 2);
+  window.frame.origin = {0, 0};
+  open();
+  EXPECT_EQ(window.frame.origin.x, centred);
+  EXPECT_GT(window.frame.origin.y, 0);
+}
+
 TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
   open();
   const auto archive = platform::make<"NSObject", "init">();
@@ -182,6 +193,23 @@ TEST(ExemptionsPanel, TakesTheIdentifierOfTheBundleThatIsChosen) {
   EXPECT_EQ(chooseBundle(7), before);
   EXPECT_EQ(chooseBundle(std::nullopt), before);
   EXPECT_EQ(chooseBundle(std::nullopt, false), before) << "no bundle at all";
+}
+
+TEST(ExemptionsPanel, AsksForOneApplication) {
+  desktop::TestDesktop desktop;
+  desktop.play({"menu Settings…\nclick \"Choose App…\"", [&] {
+                  const desktop::OpenPanel* const panel = desktop.machine.appKit->frontPanel();
+                  ASSERT_NE(panel, nullptr);
+                  EXPECT_EQ(textOf(panel->title.get()), "Choose Application to Exempt");
+                  EXPECT_EQ(textOf(panel->message.get()), "Select an application bundle (.app)");
+                  EXPECT_EQ(textOf(panel->prompt.get()), "Add Exemption");
+                  EXPECT_EQ(panel->directory->path, "/Applications");
+                  EXPECT_TRUE(panel->canChooseFiles);
+                  EXPECT_FALSE(panel->canChooseDirectories || panel->allowsMultipleSelection);
+                  ASSERT_EQ(panel->allowedContentTypes->count(), 1U);
+                  const auto* type = desktop::as<desktop::ContentType>(panel->allowedContentTypes->objectAtIndex(0));
+                  EXPECT_EQ(textOf(type->identifier.get()), "com.apple.application-bundle");
+                }});
 }
 
 TEST(SettingsMenuEntry, ShowsTheSameWindowAgain) {
