@@ -1,6 +1,5 @@
 #include "desktop/appkit/AppKit.hpp"
 #include "desktop/appkit/Layout.hpp"
-#include "desktop/session/Trace.hpp"
 
 #include <algorithm>
 
@@ -71,7 +70,7 @@ void Window::makeKeyAndOrderFront(id /*sender*/) {
   windows.push_back(this);
   layOut();
   const CGSize size = contentSize();
-  machine().journal({"window", textOf(title.get()), traceSize(size.width), traceSize(size.height)});
+  machine().journal({"window", textOf(title.get()), factSize(size.width), factSize(size.height)});
 }
 
 bool Window::isVisible() const {

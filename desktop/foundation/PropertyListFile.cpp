@@ -172,12 +172,8 @@ const PropertyList* PropertyListFile::value(const std::u16string& key) const {
 }
 
 void PropertyListFile::set(const std::u16string& key, PropertyList value) {
-  dictionary().insert_or_assign(key, std::move(value));
+  contents.as<PropertyList::Dictionary>()->insert_or_assign(key, std::move(value));
   save();
-}
-
-void PropertyListFile::remove(const std::u16string& key) {
-  if (dictionary().erase(key) > 0) save();
 }
 
 void PropertyListFile::save() {

@@ -23,10 +23,9 @@ public:
   /// Null when there is none; valid until the next change.
   const PropertyList* value(const std::u16string& key) const;
 
-  /// Both save at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
+  /// Saves at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
   /// next change. A crash at any moment leaves the old file or the new one whole; a broken one may already be aside.
   void set(const std::u16string& key, PropertyList value);
-  void remove(const std::u16string& key);
 
   /// From now on writing fails half-way, as on a full disk, or works again.
   void failWrites(bool fail) { writesFail = fail; }
@@ -37,7 +36,6 @@ private:
   bool keepsBroken = false; // what lies on disk was not understood and must not get lost
   bool writesFail = false;
 
-  PropertyList::Dictionary& dictionary() { return *contents.as<PropertyList::Dictionary>(); }
   void load();
   void save();
 };

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "desktop/foundation/Foundation.hpp"
+#include "desktop/quartz/Fact.hpp"
 #include "desktop/quartz/MainQueue.hpp"
 #include "desktop/quartz/WindowServer.hpp"
 
@@ -14,9 +15,6 @@
 namespace desktop {
 
 struct AppKit;
-
-/// One thing that happened, in the words of a trace: its name, then its fields.
-using Fact = std::vector<std::string>;
 
 /// An application that runs. The Finder and the user's own are played by the desktop.
 struct RunningApplication : Object {

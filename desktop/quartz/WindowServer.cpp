@@ -1,7 +1,6 @@
 #include "desktop/quartz/WindowServer.hpp"
 
 #include "desktop/quartz/Desktop.hpp"
-#include "desktop/session/Trace.hpp"
 
 #include <algorithm>
 
@@ -29,8 +28,8 @@ RunLoopSource* sourceOf(CFRunLoopSourceRef source) {
 Fact factOf(std::initializer_list<std::string> start, const Event& event) {
   Fact fact(start);
   fact.emplace_back(event.type == kCGEventKeyDown ? "down" : "up");
-  fact.push_back(traceCode(static_cast<std::uint16_t>(event.code)));
-  fact.push_back(traceFlags(event.flags));
+  fact.push_back(factCode(static_cast<std::uint16_t>(event.code)));
+  fact.push_back(factFlags(event.flags));
   return fact;
 }
 

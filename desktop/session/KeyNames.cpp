@@ -90,7 +90,7 @@ std::string describeKey(std::uint16_t code, std::uint64_t flags) {
     told.append(modifier.name) += '+';
     untold &= ~modifier.flag;
   }
-  return known ? told.append(key->name) : told + "key " + traceCode(code);
+  return known ? told.append(key->name) : told + "key " + factCode(code);
 }
 
 } // namespace desktop

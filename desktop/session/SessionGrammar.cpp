@@ -84,7 +84,7 @@ std::uint64_t codeOrFlags(std::string_view argument, std::uint64_t highest) {
   const bool isHex = argument.starts_with("0x");
   std::uint64_t number = 0;
   if (readNumber(argument.substr(isHex ? 2 : 0), number, isHex ? 16 : 10) && number <= highest) return number;
-  expected("a number from 0 to " + traceFlags(highest), argument);
+  expected("a number from 0 to " + factFlags(highest), argument);
 }
 
 std::uint64_t ordinal(std::string_view argument) {

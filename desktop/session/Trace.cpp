@@ -1,21 +1,17 @@
 #include "desktop/session/Trace.hpp"
 
-#include <array>
-#include <cinttypes>
-#include <cstdio>
+#include "desktop/foundation/Text.hpp"
 
 namespace desktop {
-
 namespace {
 
-template <class Number> std::string formatted(const char* format, Number number) {
-  std::array<char, 32> text{};
-  std::snprintf(text.data(), text.size(), format, number);
-  return text.data();
+/// Control characters, and what Unicode takes for the end of a line.
+bool mustBeEscaped(char32_t point) {
+  return point < 0x20 || (point >= 0x7F && point < 0xA0) || point == 0x2028 || point == 0x2029 || point == '\\';
 }
 
-std::string escaped(char character) {
-  switch (character) {
+std::string escaped(char byte) {
+  switch (byte) {
   case '\t':
     return "\\t";
   case '\n':
@@ -27,8 +23,9 @@ std::string escaped(char character) {
   default:
     break;
   }
-  const unsigned byte = static_cast<unsigned char>(character);
-  return byte < 0x20 || byte == 0x7f ? formatted("\\x%02x", byte) : std::string(1, character);
+  constexpr auto digits = "0123456789abcdef";
+  const unsigned value = static_cast<unsigned char>(byte);
+  return {'\\', 'x', digits[value / 16], digits[value % 16]};
 }
 
 } // namespace
@@ -36,30 +33,28 @@ std::string escaped(char character) {
 std::string escaped(std::string_view text) {
   std::string result;
   result.reserve(text.size());
-  for (const char character : text)
-    result += escaped(character);
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t start = at;
+    const auto point = nextPoint(text, at);
+    if (!point) ++at;
+    for (const char byte : text.substr(start, at - start)) {
+      if (point && mustBeEscaped(*point)) {
+        result += escaped(byte);
+      } else {
+        result += byte;
+      }
+    }
+  }
   return result;
 }
 
-std::string traceLine(const std::vector<std::string>& fields) {
+std::string traceLine(const Fact& fact) {
   std::string line;
-  for (const std::string& field : fields) {
-    if (&field != &fields.front()) line += '\t';
+  for (const std::string& field : fact) {
+    if (&field != &fact.front()) line += '\t';
     line += field.empty() ? "-" : escaped(field);
   }
   return line;
-}
-
-std::string traceCode(std::uint16_t code) {
-  return formatted("0x%02x", static_cast<unsigned>(code));
-}
-
-std::string traceFlags(std::uint64_t flags) {
-  return formatted("0x%" PRIx64, flags);
-}
-
-std::string traceSize(double size) {
-  return formatted("%g", size);
 }
 
 } // namespace desktop

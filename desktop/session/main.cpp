@@ -103,6 +103,10 @@ int main(int count, char** words) {
   const auto read = readOptions(count, words);
   if (const auto* mistake = std::get_if<std::string>(&read)) return fail("tarnwick: " + *mistake);
   const auto& options = std::get<Options>(read);
+  std::error_code unknown;
+  if (options.bundle && !std::filesystem::is_directory(*options.bundle, unknown)) {
+    return fail(*options.bundle + ": is not a folder");
+  }
 
   if (options.session == "-" && isatty(STDIN_FILENO) != 0) {
     play(options, prompted(), false);

@@ -114,6 +114,8 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
       {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
       {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
       {"good.txt --bundle", "tarnwick: the option --bundle wants a name after it\n"},
+      {"--bundle nowhere good.txt", "nowhere: is not a folder\n"},
+      {"--bundle good.txt good.txt", "good.txt: is not a folder\n"},
   };
   for (const auto& [arguments, complaint] : mistakes) {
     const CommandRun refused = run(arguments);
@@ -123,8 +125,8 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
   }
 }
 
-TEST_F(CommandTest, GoesOnWithoutABundle) {
-  const CommandRun bare = run("--trace --bundle nowhere", "down ctrl+c");
+TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
+  const CommandRun bare = run("--trace --bundle .", "down ctrl+c");
   EXPECT_EQ(bare.output, "status\tTarnwick\nkey\tEditor\tdown\t0x08\t0x100000\nterminate\n");
   EXPECT_EQ(bare.status, 0);
 }
