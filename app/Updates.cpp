@@ -7,7 +7,8 @@ using namespace platform;
 namespace {
 
 bool isPlaceholder(const NSString& value) {
-  return value.containsString(NSString::utf8("REPLACE_WITH"));
+  // Unit by unit: the platform's own search would miss one that a combining accent follows.
+  return value.characters().find(u"REPLACE_WITH") != std::u16string::npos;
 }
 
 } // namespace

@@ -31,7 +31,6 @@ public:
   [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
 
   [[nodiscard]] NSUInteger length() const { return send<"length", NSUInteger>(*this); }
-  [[nodiscard]] bool containsString(const NSString& part) const { return send<"containsString:", BOOL>(*this, part); }
   [[nodiscard]] std::u16string characters() const {
     std::u16string units(length(), u'\0');
     send<"getCharacters:range:">(*this, units.data(), NSRange{0, units.size()});

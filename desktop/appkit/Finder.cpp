@@ -8,6 +8,10 @@ constexpr std::int64_t deleteKey = 0x33;
 constexpr std::int64_t escapeKey = 0x35;
 constexpr CGEventFlags modifiers = 0x1E0000;
 
+bool isEditing(const RunningApplication& finder) {
+  return finder.role == "AXTextField" || finder.role == "AXTextArea" || finder.role == "AXComboBox";
+}
+
 void beginRenaming(RunningApplication& finder) {
   finder.role = "AXTextField";
   Desktop::current().remark("the Finder lets the selection's name be edited");
@@ -23,7 +27,7 @@ void endRenaming(RunningApplication& finder) {
 void finderReaction(RunningApplication& finder, const Event& event) {
   if (event.type != kCGEventKeyDown) return;
   const CGEventFlags held = event.flags & modifiers;
-  const bool isRenaming = finder.role == "AXTextField";
+  const bool isRenaming = isEditing(finder);
   if (held == kCGEventFlagMaskCommand && event.code == deleteKey && !isRenaming) {
     Desktop::current().remark("the Finder moves the selection to the Bin");
   }

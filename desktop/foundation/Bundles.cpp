@@ -107,9 +107,10 @@ Ref<URL> Bundle::privateFrameworksURL() const {
 }
 
 BOOL Bundle::load() const {
-  const bool hasCode = isThere(folder / folder.stem());
-  if (hasCode && folder.filename() == "Sparkle.framework") registerUpdaterClass();
-  return hasCode;
+  const auto executable = folder / folder.stem();
+  // A class is in the executable that names it.
+  if (contentsOfFile(executable).find("SPUStandardUpdaterController") != std::string::npos) registerUpdaterClass();
+  return isThere(executable);
 }
 
 Ref<Array> UserDefaults::arrayForKey(String* key) const {

@@ -19,7 +19,6 @@ struct String : Object {
   NSUInteger length() const { return text.size(); }
   NSUInteger hash() const;
   BOOL isEqualToString(String* other) const;
-  BOOL containsString(String* part) const { return text.find(part->text) != std::u16string::npos; }
   void getCharacters(char16_t* units, NSRange range) const;
   Ref<String> stringByAppendingString(String* tail) const;
   Ref<String> stringByTrimmingCharactersInSet(Object* set) const;

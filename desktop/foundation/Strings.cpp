@@ -96,7 +96,6 @@ void registerStringClasses() {
   NativeClass<String>("NSString", "NSObject")
       .method<"initWithBytes:length:encoding:", &String::initWithBytes>()
       .method<"length", &String::length>()
-      .method<"containsString:", &String::containsString>()
       .method<"getCharacters:range:", &String::getCharacters>()
       .method<"stringByAppendingString:", &String::stringByAppendingString>()
       .method<"stringByTrimmingCharactersInSet:", &String::stringByTrimmingCharactersInSet>()

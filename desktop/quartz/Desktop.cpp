@@ -48,7 +48,8 @@ Ref<Array> runningApplicationsWithBundleIdentifier(String* identifier) {
 
 } // namespace
 
-BOOL RunningApplication::activateWithOptions(NSUInteger /*options*/) {
+BOOL RunningApplication::activateWithOptions(NSUInteger options) {
+  if (options != 0) stop("applications are activated with no options (0) only");
   Desktop& desktop = Desktop::current();
   desktop.frontmost = shared(this);
   desktop.journal({"front", name});

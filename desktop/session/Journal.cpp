@@ -9,13 +9,14 @@ std::string quoted(const std::string& text) {
   return "\"" + escaped(text) + "\"";
 }
 
-/// The fields from `first` on, each quoted.
+/// The fields from `first` on, each quoted; a lone empty one stands for none.
 std::string list(const Fact& fact, std::size_t first) {
+  if (fact.size() == first + 1 && fact[first].empty()) return "nothing";
   std::string text;
   for (std::size_t index = first; index < fact.size(); ++index) {
     text += (index == first ? "" : ", ") + quoted(fact[index]);
   }
-  return text.empty() ? "nothing" : text;
+  return text;
 }
 
 /// `down Ctrl+C` of the three fields that tell of an event.

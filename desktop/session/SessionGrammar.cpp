@@ -206,13 +206,10 @@ std::variant<std::monostate, Command, Mistake> SessionGrammar::read(std::string_
 /// Checks the command against those before it; the state changes only when it fits.
 void SessionGrammar::follow(const Command& command) {
   if (command.verb == Verb::Launch && launched) throw std::invalid_argument("Tarnwick has been launched already");
-  if (impliesLaunch(command.verb) && !launched) {
-    launched = true;
-    applications.insert("Tarnwick");
-  }
+  if (impliesLaunch(command.verb)) launched = true;
   if (command.verb == Verb::App && !applications.insert(*command.name).second)
     throw std::invalid_argument("there is an application named " + inQuotes(*command.name) + " already");
-  if (command.verb == Verb::End) applications.erase(*command.name);
+  if (command.verb == Verb::End && *command.name != "Tarnwick") applications.erase(*command.name);
 }
 
 std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text) {

@@ -37,7 +37,7 @@ private:
   std::string file;
   int line = 0;
   bool launched = false;
-  std::set<std::string> applications{"Finder", "Editor"};
+  std::set<std::string> applications{"Finder", "Editor", "Tarnwick"};
 };
 
 /// All commands of a session, or its first mistake.

@@ -17,15 +17,21 @@ std::string launchWith(const std::optional<PropertyList>& feed, const std::optio
   writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
   const auto folder = desktop.bundle / "Contents" / "Frameworks" / "Sparkle.framework";
   if (framework != Framework::Missing) std::filesystem::create_directories(folder);
-  if (framework == Framework::Whole) writeFile(folder / "Sparkle", "code");
+  if (framework == Framework::Whole) writeFile(folder / "Sparkle", "SPUStandardUpdaterController");
   desktop.machine.openBundle(desktop.bundle);
-  return desktop.play({"trust no\n taps allow\n launch\n click OK\n menu \"Check for Updates...\""});
+  return desktop.play(
+      {"trust no\n taps allow\n launch\n click OK\n menu \"Check for Updates...\"", [&] {
+         // The delegate's own way to it, with no menu between.
+         perform<void>(desktop.machine.appKit->application->delegate, sel_registerName("checkForUpdates"));
+         const MenuItem* const item = desktop.machine.appKit->statusMenu()->itemWithTitle("Check for Updates...");
+         desktop.facts.push_back({item->target->isa->name, selectorText(item->action)});
+       }});
 }
 
 const std::string status = "status\timage\n";
 const std::string started = "updater\tstarted\n";
-const std::string checked = "updater\tcheck\n";
-const std::string lost = "lost\t menu \"Check for Updates...\"\n";
+const std::string checked = "updater\tcheck\nupdater\tcheck\nSPUStandardUpdaterController\tcheckForUpdates:\n";
+const std::string lost = "lost\t menu \"Check for Updates...\"\nAppDelegate\tcheckForUpdates\n";
 const std::string launched = "prompt\nalert\tAccessibility Permission Required\tEnable Tarnwick in System Settings > "
                              "Privacy & Security > Accessibility.\tOK\nanswer\tOK\n";
 const std::string terminate = "terminate\n";
@@ -49,6 +55,8 @@ TEST(Updates, StayOutSilentlyWhenNotConfigured) {
                                                  u"REPLACE_WITH_KEY",
                                                  u"https://REPLACE_WITH.example/",
                                                  u"a REPLACE_WITH",
+                                                 u"REPLACE_WITH\u0301",
+                                                 PropertyList::Data{},
                                                  PropertyList(7),
                                                  true,
                                                  PropertyList::Array{},

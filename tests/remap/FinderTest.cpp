@@ -1,3 +1,4 @@
+#include "platform/Alert.hpp"
 #include "tests/support/RemapperTest.hpp"
 
 namespace tarnwick {
@@ -42,7 +43,7 @@ TEST_F(FinderTest, GetsItsOwnShortcutsForForwardDeleteAndF2) {
   };
   for (const auto& [typed, received] : keys)
     EXPECT_EQ(press(typed), received);
-  for (const CGEventFlags held : {shift, option, command}) {
+  for (const CGEventFlags held : {shift, control, option, command}) {
     for (const Key key : {forwardDelete, f2}) {
       const Key withModifier{key.code, key.flags | held};
       EXPECT_EQ(press(withModifier), withModifier) << "with modifiers they are other shortcuts";
@@ -117,6 +118,11 @@ TEST_F(FinderTest, AsksInAFixedOrderAndNoOftener) {
   EXPECT_EQ(queries(forwardDelete), (Counts{2, 1, 1})) << "the first rule decided";
   EXPECT_EQ(queries(f2), (Counts{3, 1, 1}));
   EXPECT_EQ(queries({0x25, command}), (Counts{1, 0, 0})) << "the lock screen comes first";
+  remapper->mapLockScreen = false;
+  EXPECT_EQ(queries({0x25, command}), (Counts{1, 0, 0})) << "also when its switch is off";
+  remapper->addExemptBundleID(platform::NSString::utf8("com.apple.finder"));
+  EXPECT_EQ(queries(forwardDelete), (Counts{1, 0, 0})) << "no rule runs for an exempt application";
+  remapper->removeExemptBundleID(platform::NSString::utf8("com.apple.finder"));
   remapper->mapFinderDeleteToBin = false;
   EXPECT_EQ(queries(letter), (Counts{2, 0, 0}));
   remapper->mapFinderRename = false;
@@ -173,12 +179,32 @@ TEST(Confirmation, TypesTheFindersShortcutAMomentAfterConsent) {
             swallowed + alert + consent + forward + "--\n" + deleted);
 }
 
+TEST(Confirmation, LooksAtNothingAnyMoreOnceItHasConsent) {
+  EXPECT_EQ(play("press forwarddelete\n click \"Move to Bin\"\n menu \"Disable Tarnwick\"\n front Editor\n wait 0.05"),
+            swallowed + alert + consent + forward +
+                "post\tdown\t0x33\t0x100000\npost\tup\t0x33\t0x100000\n"
+                "key\tEditor\tdown\t0x33\t0x100000\nkey\tEditor\tup\t0x33\t0x100000\n");
+}
+
+TEST(Confirmation, WarnsAndBringsTheFirstOfTwoFindersForward) {
+  desktop::TestDesktop desktop;
+  EXPECT_EQ(play(desktop, {"app Second com.apple.finder\n front Second\n press forwarddelete",
+                           [&] {
+                             ASSERT_NE(desktop.machine.appKit->frontAlert(), nullptr);
+                             EXPECT_EQ(desktop.machine.appKit->frontAlert()->style, platform::NSAlertStyleWarning);
+                           },
+                           "click \"Move to Bin\"\n wait 1"}),
+            swallowed + alert + consent + forward + deleted);
+}
+
 TEST(Confirmation, PostsNothingUponRefusalAndAsksAgain) {
   EXPECT_EQ(play("press forwarddelete\n click Cancel\n wait 1\n press forwarddelete\n click Cancel"),
             swallowed + alert + refusal + swallowed + alert + refusal);
 }
 
 TEST(Confirmation, IsAskedOnceHoweverOftenTheKeyComes) {
+  EXPECT_EQ(play("press forwarddelete 3\n click Cancel\n wait 1"), swallowed + swallowed + swallowed + alert + refusal)
+      << "also before the alert is up";
   const std::string down = "swallowed\tdown\t0x75\t0x800000\n";
   EXPECT_EQ(play("down forwarddelete\n down forwarddelete\n press forwarddelete 2\n up forwarddelete\n click Cancel\n "
                  "wait 1"),
@@ -215,6 +241,8 @@ TEST(Confirmation, CanBeAskedForAgainBeforeTheKeyPressIsPosted) {
   // The second alert runs on the main queue, so the key press behind it waits until it is answered.
   EXPECT_EQ(play("press forwarddelete\n click \"Move to Bin\"\n press forwarddelete\n wait 1\n click Cancel\n wait 1"),
             swallowed + alert + consent + forward + swallowed + alert + refusal + deleted);
+  EXPECT_EQ(play("press forwarddelete\n click \"Move to Bin\"\n press forwarddelete\n click \"Move to Bin\"\n wait 1"),
+            swallowed + alert + consent + forward + swallowed + alert + consent + forward + deleted + deleted);
 }
 
 TEST(Confirmation, EndsWithTheInputAndWithTheProgram) {

@@ -131,6 +131,35 @@ TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
   EXPECT_EQ(bare.status, 0);
 }
 
+// As a command of its own: a class that has been loaded once stays for the whole process.
+TEST_F(CommandTest, GoesOnWithAnUpdateFrameworkThatLacksItsClass) {
+  fs::create_directories(folder.path / "Contents" / "Frameworks" / "Sparkle.framework");
+  writeFile(folder.path / "Contents/Frameworks/Sparkle.framework/Sparkle", "other code");
+  writeFile(folder.path / "Contents/Info.plist",
+            writeXml(PropertyList::Dictionary{{u"SUFeedURL", u"https://updates.example"}, {u"SUPublicEDKey", u"key"}}));
+  const CommandRun bare = run("--trace --bundle .", "menu \"Check for Updates...\"");
+  EXPECT_EQ(bare.output, "status\tTarnwick\nlost\tmenu \"Check for Updates...\"\nterminate\n");
+  EXPECT_EQ(bare.complaints, "");
+}
+
+TEST_F(CommandTest, TellsPeopleWhatTheFinderDoes) {
+  const std::string session =
+      "front Finder\npress f2\ndown return\ndown cmd+delete\nfocus AXTextArea\ndown cmd+delete\n"
+      "show defaults\n";
+  const std::string told = run("", session).output;
+  EXPECT_NE(told.find("down cmd+delete\n    Finder receives Cmd+Delete pressed\n"
+                      "    the Finder moves the selection to the Bin\n"),
+            std::string::npos)
+      << told;
+  EXPECT_NE(told.find("    the Finder lets the selection's name be edited\n    Finder receives Return released\n"
+                      "down return\n    Finder receives Return pressed\n    the Finder ends the editing of the name\n"),
+            std::string::npos)
+      << told;
+  EXPECT_TRUE(told.ends_with("focus AXTextArea\ndown cmd+delete\n    Finder receives Cmd+Delete pressed\n"
+                             "show defaults\n    exemptBundleIDs holds nothing\n    Tarnwick has quit\n"))
+      << told;
+}
+
 TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
   const std::string broken = "<plist><dict><key>exemptBundleIDs";
   writeFile(folder.path / "broken.plist", broken);

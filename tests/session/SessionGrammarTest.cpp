@@ -155,7 +155,7 @@ TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
   SessionGrammar grammar("-");
   const std::string already = "there is an application named ";
   const std::pair<const char*, std::string> lines[] = {
-      {"# a prompt", "nothing"},
+      {"app Tarnwick", "-:1: " + already + "\"Tarnwick\" already"},
       {"app Mail a b", "-:2: extra argument \"b\": app NAME [BUNDLE-ID]"},
       {"app Mail", "command"},
       {"app Mail", "-:4: " + already + "\"Mail\" already"},
@@ -172,7 +172,7 @@ TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
       {"end Tarnwick", "command"},
       {"quit", "command"},
       {"launch", "-:17: Tarnwick has been launched already"},
-      {"app Tarnwick", "command"},
+      {"app Tarnwick", "-:18: " + already + "\"Tarnwick\" already"},
   };
   for (const auto& [line, expected] : lines)
     EXPECT_EQ(answer(grammar, line), expected) << line;
