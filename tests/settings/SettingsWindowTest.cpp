@@ -176,8 +176,7 @@ std::string chooseBundle(const std::optional<PropertyList>& identifier, bool isB
   desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.listed"});
   const std::string trace = desktop.play(
       {"menu Settings…\nclick \"Choose App…\"\nchoose \"" + chosen.string() + "\"\nshow defaults\nshow window"});
-  const std::string stored =
-      trace.substr(trace.find("default\t"), trace.find("button\tAbout") - trace.find("default\t"));
+  std::string stored = trace.substr(trace.find("default\t"), trace.find("button\tAbout") - trace.find("default\t"));
   const bool isListed = trace.find("label\tcom.example.chosen\n") != std::string::npos;
   EXPECT_EQ(isListed, stored.find("com.example.chosen") != std::string::npos) << "list and store differ";
   return stored;
