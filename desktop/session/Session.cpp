@@ -48,14 +48,18 @@ Session::Session(Desktop& target, Program start, Source commands)
 }
 
 void Session::run() {
-  while (auto command = source()) {
-    if (impliesLaunch(command->verb)) {
+  bool launches = false;
+  while (!launches) {
+    auto command = source();
+    if (!command) break;
+    launches = impliesLaunch(command->verb);
+    if (launches && command->verb != Verb::Launch) {
       waiting = std::move(command);
-      break;
+    } else {
+      play(*command);
     }
-    play(*command);
   }
-  desktop.inputEnded = !waiting;
+  desktop.inputEnded = !launches;
   program();
 }
 

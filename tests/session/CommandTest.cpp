@@ -52,8 +52,9 @@ protected:
 };
 
 TEST_F(CommandTest, TellsPeopleWhatHappened) {
-  const CommandRun told = run("", "press ctrl+c\nfront none\ndown win+l # locks\nmenu Nothing\n");
-  EXPECT_EQ(told.output, "    the status bar shows Tarnwick's image\n"
+  const CommandRun told = run("", "launch\npress ctrl+c\nfront none\ndown win+l # locks\nmenu Nothing\n");
+  EXPECT_EQ(told.output, "launch\n"
+                         "    the status bar shows Tarnwick's image\n"
                          "press ctrl+c\n"
                          "    Editor receives Cmd+C pressed\n"
                          "    Editor receives Cmd+C released\n"
