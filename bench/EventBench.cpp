@@ -79,8 +79,10 @@ void event(benchmark::State& state, Typed typed, const char* application, bool e
     static_cast<void>(step);
     deliver();
   }
-  state.counters["allocations"] =
-      benchmark::Counter(static_cast<double>(allocationCount() - before), benchmark::Counter::kAvgIterations);
+  const long made = allocationCount() - before;
+  state.counters["allocations"] = benchmark::Counter(static_cast<double>(made), benchmark::Counter::kAvgIterations);
+  // With the Finder in front the platform hands out elements and values of its own.
+  if (made != 0 && desktop.named("Finder") != desktop.frontmost.get()) state.SkipWithError("the key path allocated");
   remapper->stop();
 }
 

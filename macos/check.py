@@ -8,6 +8,7 @@ import re
 import struct
 import sys
 from pathlib import Path
+from xml.parsers.expat import ExpatError
 
 import macho
 import sysroot
@@ -191,7 +192,8 @@ def main(arguments):
         return 2
     try:
         problems, lines = check_bundle(Path(arguments[0]), Path(arguments[1]))
-    except (macho.MachOError, sysroot.SysrootError, OSError, plistlib.InvalidFileException) as error:
+    except (macho.MachOError, sysroot.SysrootError, OSError, plistlib.InvalidFileException, ExpatError,
+            struct.error) as error:
         problems, lines = [str(error)], []
     for line in lines:
         print(line)

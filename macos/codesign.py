@@ -9,6 +9,7 @@ import os
 import plistlib
 import struct
 from pathlib import Path
+from xml.parsers.expat import ExpatError
 
 import macho
 
@@ -75,7 +76,7 @@ class Layout:
             self.dictionary = plistlib.loads(self.information.read_bytes())
             self.identifier = self.dictionary["CFBundleIdentifier"]
             self.program = programs / self.dictionary["CFBundleExecutable"]
-        except (OSError, KeyError, plistlib.InvalidFileException) as error:
+        except (OSError, KeyError, plistlib.InvalidFileException, ExpatError) as error:
             raise SigningError(f"the information dictionary of {bundle.name} is incomplete: {error}") from None
 
 

@@ -15,7 +15,7 @@ template <std::size_t size> struct Name {
   char text[size]{};
 
   constexpr Name() = default;
-  // NOLINTNEXTLINE(google-explicit-constructor): a literal stands for its name
+  // Implicit: a literal stands for its name.
   constexpr Name(const char (&literal)[size]) { std::copy_n(literal, size, text); }
 
   template <std::size_t other> constexpr Name<size + other - 1> operator+(const Name<other>& tail) const {

@@ -50,7 +50,7 @@ void KeyRemapper::activateFinderAndSendCommandDelete() {
   // The Finder needs a moment to come forward before the key press is meant for it.
   constexpr double delay = 0.05;
   const auto finders =
-      NSRunningApplication::runningApplicationsWithBundleIdentifier(NSString::constant<"com.apple.finder">());
+      NSRunningApplication::runningApplicationsWithBundleIdentifier(NSString::constant<finderBundleID>());
   if (finders.count() == 0) return;
   finders.objectAtIndex<NSRunningApplication>(0).activateWithOptions(0);
   asyncOnMainAfter(delay, postCommandDelete);

@@ -1,7 +1,5 @@
 #include "remap/KeyRemapper.hpp"
 
-#include "platform/Application.hpp"
-
 namespace tarnwick {
 
 using namespace platform;
@@ -28,11 +26,10 @@ CGEventRef KeyRemapper::handleEvent(CGEventTapProxy /*proxy*/, CGEventType type,
 }
 
 bool KeyRemapper::isFrontmostExempt() const {
-  const NSString bundleID = NSWorkspace::sharedWorkspace().frontmostApplication().bundleIdentifier();
+  const NSString bundleID = frontmostBundleID();
   if (!bundleID) return false;
   // The program's own windows get keys as typed.
-  const NSString own = NSBundle::mainBundle().bundleIdentifier();
-  if (own && own == bundleID) return true;
+  if (NSBundle::mainBundle().bundleIdentifier() == bundleID) return true;
   return exemptBundleIDs.contains(bundleID);
 }
 

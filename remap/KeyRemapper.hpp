@@ -39,6 +39,8 @@ public:
   void saveExemptions() const;
 
 private:
+  static constexpr platform::Name finderBundleID = "com.apple.finder";
+
   platform::CF<CFMachPortRef> eventTap;
   platform::CF<CFRunLoopSourceRef> runLoopSource;
   /// From the request for a confirmation until its alert has been answered.
@@ -89,6 +91,8 @@ private:
   /// found out; waits for the application that holds the focus.
   [[nodiscard]] bool isTypingInEditableField() const;
   [[nodiscard]] bool isFinderFrontmost() const;
+  /// Of the application that receives the keys; empty when there is none, or when it has no identifier.
+  static platform::NSString frontmostBundleID();
 
   /// Asks, after the current event, whether the Finder's selection is to go to the Bin. One question at a time.
   void promptFinderDeleteConfirmation();

@@ -30,8 +30,11 @@ bool KeyRemapper::isTypingInEditableField() const {
 }
 
 bool KeyRemapper::isFinderFrontmost() const {
-  const NSString bundleID = NSWorkspace::sharedWorkspace().frontmostApplication().bundleIdentifier();
-  return bundleID && bundleID == NSString::constant<"com.apple.finder">();
+  return frontmostBundleID() == NSString::constant<finderBundleID>();
+}
+
+NSString KeyRemapper::frontmostBundleID() {
+  return NSWorkspace::sharedWorkspace().frontmostApplication().bundleIdentifier();
 }
 
 } // namespace tarnwick

@@ -1,4 +1,4 @@
-/// The rules that need nothing but the event and the switches: plain arithmetic on key codes and modifier flags.
+/// The arithmetic of the rules: nothing but key codes and modifier flags.
 #pragma once
 
 #include "platform/EventServices.hpp"

@@ -14,10 +14,6 @@ constexpr CGFloat checkboxHeight = 16;
 constexpr CGFloat pushHeight = 20;
 constexpr CGFloat inlineHeight = 18;
 
-std::u16string unitsOf(const String* text) {
-  return text != nullptr ? text->text : std::u16string();
-}
-
 Ref<Button> makeButton(String* title, id target, SEL action) {
   auto button = create<Button>();
   button->title = shared(title);

@@ -1,5 +1,7 @@
 #include "desktop/appkit/FontMetrics.hpp"
 
+#include "desktop/foundation/Text.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -22,18 +24,11 @@ constexpr int otherLetter = 600;
 constexpr int fullWidth = 1000;
 constexpr int boldExtra = 30;
 
-bool isHighSurrogate(char16_t unit) {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
-bool isLowSurrogate(char16_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-
 /// A pair of surrogates is counted at its first.
 int advanceOf(char16_t unit) {
   if (unit >= u' ' && unit <= u'~') return advances[unit - u' '];
   const bool isCombining = unit >= 0x300 && unit < 0x370;
-  if (unit < u' ' || isCombining || isLowSurrogate(unit)) return 0;
+  if (unit < u' ' || isCombining || isTrailing(unit)) return 0;
   // From arrows and the signs of keys on, few characters are narrow.
   return unit >= 0x2190 || unit == ellipsis.front() ? fullWidth : otherLetter;
 }
@@ -61,11 +56,15 @@ std::u16string shortenedInMiddle(const std::u16string& text, Typeface face, doub
   std::size_t tail = all.size();
   for (bool atHead = true; head < tail; atHead = !atHead) {
     const std::size_t unit = atHead ? head : tail - 1;
-    const bool isPair = atHead ? isHighSurrogate(all[unit]) : isLowSurrogate(all[unit]);
+    const bool isPair = atHead ? isLeading(all[unit]) : isTrailing(all[unit]);
     const std::size_t length = std::min<std::size_t>(isPair ? 2 : 1, tail - head);
     room -= textWidth(all.substr(atHead ? head : tail - length, length), face);
     if (room < 0) break;
-    (atHead ? head += length : tail -= length);
+    if (atHead) {
+      head += length;
+    } else {
+      tail -= length;
+    }
   }
   return std::u16string(all.substr(0, head)).append(ellipsis).append(all.substr(tail));
 }

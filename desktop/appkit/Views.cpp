@@ -44,6 +44,11 @@ void View::removeFromSuperview() {
   container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
 }
 
+void View::setCompressionResistance(float priority, NSInteger axis) {
+  if (axis != 0 && axis != 1) stop("a view has two axes, 0 and 1, not " + std::to_string(axis));
+  compressionResistance[axis] = priority;
+}
+
 void View::setWantsLayer(BOOL value) {
   if (value && !itsLayer) itsLayer = create<Layer>();
 }

@@ -15,7 +15,6 @@
 namespace desktop {
 
 struct Constraint;
-struct Window;
 
 struct Color : Object {
   enum class Ink { Black, Label, SecondaryLabel };
@@ -55,8 +54,6 @@ struct View : Object {
   /// time.
   std::deque<Ref<View>> subviews;
   View* superview = nullptr;
-  /// The window whose content view this is; null for every other view.
-  Window* windowOfContent = nullptr;
   CGRect frame{};
   BOOL translatesMask = true;
   /// By its superview, a stack.
@@ -87,7 +84,8 @@ struct View : Object {
   Layer* layer() const { return itsLayer.get(); }
   void setIdentifier(String* value) { itsIdentifier = shared(value); }
   String* identifier() const { return itsIdentifier.get(); }
-  void setCompressionResistance(float priority, NSInteger axis) { compressionResistance[axis] = priority; }
+  /// Along the horizontal (0) or the vertical axis (1).
+  void setCompressionResistance(float priority, NSInteger axis);
   /// Defined with the anchors.
   template <class Anchor, Axis axis, Edge edge> Ref<Anchor> anchor();
 };

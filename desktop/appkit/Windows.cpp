@@ -21,14 +21,12 @@ Ref<Screen> Screen::mainScreen() {
 
 Window::~Window() {
   if (AppKit* const appKit = machine().appKit.get()) std::erase(appKit->windows, this);
-  if (itsContentView) itsContentView->windowOfContent = nullptr;
 }
 
 Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger /*backing*/, BOOL /*defer*/) {
   styleMask = style;
   frame = {rect.origin, {rect.size.width, rect.size.height + barHeight()}};
   itsContentView = create<View>();
-  itsContentView->windowOfContent = this;
   itsContentView->frame.size = rect.size;
   return this;
 }
@@ -90,7 +88,6 @@ bool Window::resize(CGSize size) {
 
 void Window::close() {
   std::erase(machine().appKit->windows, this);
-  tellDelegate(delegate, "windowWillClose:");
   if (releasedWhenClosed) release(this);
 }
 
@@ -117,7 +114,6 @@ void registerWindowClasses() {
       .method<"screen", &Window::screen>();
   NativeClass<WindowController>("NSWindowController", "NSObject")
       .method<"initWithWindow:", &WindowController::initWithWindow>()
-      .method<"initWithCoder:", &WindowController::initWithCoder>()
       .method<"window", &WindowController::window>();
 }
 

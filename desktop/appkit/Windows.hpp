@@ -60,7 +60,6 @@ struct WindowController : Object {
   Ref<Window> itsWindow;
 
   WindowController* initWithWindow(Window* window);
-  WindowController* initWithCoder(id /*coder*/) { return this; }
   Window* window() const { return itsWindow.get(); }
 };
 

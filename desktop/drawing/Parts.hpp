@@ -9,8 +9,6 @@ namespace desktop {
 
 inline constexpr double menuBarHeight = 24;
 
-std::u16string unitsOf(const String* text);
-
 /// As large as fits within the rectangle; a template in the colour of the classes. An application without an icon has
 /// a plain one.
 void drawImage(Svg& svg, const Image& image, CGRect rect, std::string_view classes);

@@ -130,10 +130,6 @@ void draw(const Content& content, View& view) {
 
 } // namespace
 
-std::u16string unitsOf(const String* text) {
-  return text != nullptr ? text->text : std::u16string();
-}
-
 void drawPushButton(Svg& svg, CGRect frame, const String* title, bool isDefault) {
   const double radius = std::min(6.0, frame.size.height / 4);
   {

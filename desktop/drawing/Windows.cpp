@@ -82,7 +82,11 @@ public:
     CGRect frame{{origin.x + width - each, origin.y}, {each, height}};
     for (const auto& button : buttons) {
       drawPushButton(svg, frame, button->title.get(), button.get() == buttons.front().get());
-      (isRow ? frame.origin.x -= each + buttonGap : frame.origin.y += height + buttonGap);
+      if (isRow) {
+        frame.origin.x -= each + buttonGap;
+      } else {
+        frame.origin.y += height + buttonGap;
+      }
     }
   }
 

@@ -28,8 +28,9 @@ struct String : Object {
 /// An immutable string; the second form takes UTF-8.
 Ref<String> string(std::u16string_view text);
 Ref<String> string(std::string_view text);
-/// UTF-8 for people and traces; empty for none.
+/// UTF-8 for people and traces, or the units; empty for none.
 std::string textOf(const String* string);
+std::u16string unitsOf(const String* string);
 
 /// The one set that the desktop has: whitespace and line ends.
 struct CharacterSet : Object {};
@@ -84,7 +85,7 @@ struct Bundle : Object {
   Ref<Object> objectForInfoDictionaryKey(String* key) const;
   Ref<URL> URLForResource(String* name, String* extension) const;
   Ref<URL> privateFrameworksURL() const;
-  /// Registers the classes of the one framework that the desktop knows; false for other bundles.
+  /// The class of the update framework is there from now on if the executable names it; false without an executable.
   BOOL load() const;
 };
 

@@ -29,6 +29,10 @@ std::string textOf(const String* string) {
   return string != nullptr ? utf8(string->text) : std::string();
 }
 
+std::u16string unitsOf(const String* string) {
+  return string != nullptr ? string->text : std::u16string();
+}
+
 String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger encoding) {
   constexpr NSUInteger NSUTF8StringEncoding = 4;
   if (encoding != NSUTF8StringEncoding) stop("no string encoding but UTF-8 (4) is known here");
@@ -66,7 +70,8 @@ BOOL String::isEqualToString(String* other) const {
 }
 
 void String::getCharacters(char16_t* units, NSRange range) const {
-  if (range.location + range.length > text.size()) stop("characters beyond the end of a string were asked for");
+  if (range.location > text.size() || range.length > text.size() - range.location)
+    stop("characters beyond the end of a string were asked for");
   std::copy_n(text.data() + range.location, range.length, units);
 }
 

@@ -9,13 +9,6 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-bool isLeading(char32_t unit) {
-  return unit >= 0xD800 && unit < 0xDC00;
-}
-bool isTrailing(char32_t unit) {
-  return unit >= 0xDC00 && unit < 0xE000;
-}
-
 std::string composedPiece(const std::string& piece) {
   const std::unique_ptr<utf8proc_uint8_t, decltype(&std::free)> result(
       utf8proc_NFC(reinterpret_cast<const utf8proc_uint8_t*>(piece.c_str())), &std::free);
@@ -23,6 +16,13 @@ std::string composedPiece(const std::string& piece) {
 }
 
 } // namespace
+
+bool isLeading(char32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+bool isTrailing(char32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
 
 void append(std::u16string& text, char32_t point) {
   if (point < 0x10000) {

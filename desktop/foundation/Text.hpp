@@ -16,6 +16,9 @@ std::string utf8(std::u16string_view text);
 char32_t nextPoint(std::u16string_view text, std::size_t& at);
 std::optional<char32_t> nextPoint(std::string_view text, std::size_t& at);
 void append(std::u16string& text, char32_t point);
+/// The first and the second half of a pair of surrogates, and either of them.
+bool isLeading(char32_t unit);
+bool isTrailing(char32_t unit);
 bool isSurrogate(char32_t point);
 /// The canonical composition (NFC); surrogates without their other half stay.
 std::u16string composed(std::u16string_view text);

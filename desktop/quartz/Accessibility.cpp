@@ -28,18 +28,18 @@ Ref<Object> focusedElement(const RunningApplication& application) {
 }
 
 /// An answer as the desktop was told to give it, `proper` unless it was told otherwise.
-AXError answer(FocusAnswer how, const std::function<Ref<Object>()>& proper, CFTypeRef* result) {
+AXError answer(AccessibilityAnswer how, const std::function<Ref<Object>()>& proper, CFTypeRef* result) {
   switch (how) {
-  case FocusAnswer::NotAtAll:
+  case AccessibilityAnswer::NotAtAll:
     Desktop::current().queue.now += timeoutNanoseconds;
     return kAXErrorCannotComplete;
-  case FocusAnswer::Error:
+  case AccessibilityAnswer::Error:
     return kAXErrorFailure;
-  case FocusAnswer::NoValue:
+  case AccessibilityAnswer::Nothing:
     return give(nullptr, result);
-  case FocusAnswer::WrongType:
+  case AccessibilityAnswer::WrongType:
     return give(create<Number>(), result);
-  case FocusAnswer::Proper:
+  case AccessibilityAnswer::Proper:
     break;
   }
   return give(proper(), result);

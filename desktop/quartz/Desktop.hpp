@@ -36,12 +36,12 @@ struct Faults {
   bool keyUpEvent = false;
 };
 
-/// How an application answers questions about its focused element.
-enum class FocusAnswer {
+/// How an application answers when it is asked for its focused element, or for that element's role.
+enum class AccessibilityAnswer {
   Proper,
   NotAtAll, ///< the question waits for the platform's time-out
   Error,
-  NoValue,
+  Nothing, ///< success, but no value
   WrongType,
 };
 
@@ -71,8 +71,8 @@ public:
 
   bool trusted = true;
   Faults faults;
-  FocusAnswer focusAnswer = FocusAnswer::Proper;
-  FocusAnswer roleAnswer = FocusAnswer::Proper;
+  AccessibilityAnswer focusAnswer = AccessibilityAnswer::Proper;
+  AccessibilityAnswer roleAnswer = AccessibilityAnswer::Proper;
   Queries queries;
   /// Visible frame of the main screen; none without a screen.
   std::optional<CGSize> screen = CGSize{1440, 815};

@@ -26,7 +26,7 @@ id autorelease(id object);
 template <class Type> class Ref {
 public:
   Ref() = default;
-  // NOLINTNEXTLINE(google-explicit-constructor): none
+  // Implicit, as null is none.
   Ref(std::nullptr_t) {}
   Ref(platform::Adopt, Type* taken) : held(taken) {}
   Ref(platform::Share, Type* shared) : held(shared) {
@@ -35,7 +35,7 @@ public:
   Ref(const Ref& other) : Ref(platform::share, other.held) {}
   Ref(Ref&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
   template <std::derived_from<Type> Other>
-  // NOLINTNEXTLINE(google-explicit-constructor): to a base
+  // Implicit, to a base.
   Ref(const Ref<Other>& other) : Ref(platform::share, other.get()) {}
   Ref& operator=(Ref other) noexcept {
     std::swap(held, other.held);
@@ -159,7 +159,7 @@ struct Entry<member> {
   }
 };
 
-/// A static function: a class method that does not look at its class, or an instance method that takes the instance.
+/// A static function: a method that looks neither at its class nor at its instance.
 template <class Result, class... Arguments, Result (*function)(Arguments...)> struct Entry<function> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id, SEL, Sent<Arguments>... arguments) {

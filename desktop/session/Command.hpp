@@ -8,7 +8,8 @@
 
 namespace desktop {
 
-/// What a line of a session asks for. Those before Launch prepare the desktop; Launch and all after it need Tarnwick.
+/// What a line of a session asks for. Those before Launch prepare the desktop; Launch and all after it launch Tarnwick,
+/// unless that has been done.
 enum class Verb {
   Trust,
   Taps,

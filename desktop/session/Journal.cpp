@@ -19,7 +19,7 @@ std::string list(const Fact& fact, std::size_t first) {
   return text;
 }
 
-/// `down Ctrl+C` of the three fields that tell of an event.
+/// "Ctrl+C pressed", of the three fields that tell of an event.
 std::string keyAt(const Fact& fact, std::size_t first) {
   const auto code = static_cast<std::uint16_t>(std::stoul(fact[first + 1], nullptr, 16));
   const auto flags = std::stoull(fact[first + 2], nullptr, 16);

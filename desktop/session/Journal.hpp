@@ -1,4 +1,4 @@
-/// What happened, told to people and to scripts.
+/// What happened, told to people.
 #pragma once
 
 #include "desktop/quartz/Desktop.hpp"

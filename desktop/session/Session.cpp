@@ -80,7 +80,7 @@ void Session::play(const Command& command) {
 }
 
 void Session::noteMenuBarOwner() {
-  if (desktop.frontmost.get() != desktop.tarnwick.get()) menuBar.owner = desktop.frontmost;
+  if (!desktop.tarnwick || desktop.frontmost.get() != desktop.tarnwick.get()) menuBar.owner = desktop.frontmost;
 }
 
 bool Session::carryOut(const Command& command) {

@@ -4,7 +4,7 @@
 namespace tarnwick {
 namespace {
 
-using desktop::FocusAnswer;
+using desktop::AccessibilityAnswer;
 
 constexpr CGEventFlags fn = kCGEventFlagMaskSecondaryFn;
 constexpr CGEventFlags caps = capsLock;
@@ -89,14 +89,14 @@ TEST_F(FinderTest, DeletesNothingWhileTextIsEdited) {
 
 TEST_F(FinderTest, TakesEveryFailureToFindTheFocusForNotEditing) {
   finder.role = "AXTextField";
-  for (const FocusAnswer failure :
-       {FocusAnswer::NotAtAll, FocusAnswer::Error, FocusAnswer::NoValue, FocusAnswer::WrongType}) {
+  for (const AccessibilityAnswer failure : {AccessibilityAnswer::NotAtAll, AccessibilityAnswer::Error,
+                                            AccessibilityAnswer::Nothing, AccessibilityAnswer::WrongType}) {
     machine.focusAnswer = failure;
     EXPECT_EQ(press(forwardDelete), cmdDelete);
-    machine.focusAnswer = FocusAnswer::Proper;
+    machine.focusAnswer = AccessibilityAnswer::Proper;
     machine.roleAnswer = failure;
     EXPECT_EQ(press(forwardDelete), cmdDelete);
-    machine.roleAnswer = FocusAnswer::Proper;
+    machine.roleAnswer = AccessibilityAnswer::Proper;
   }
   EXPECT_EQ(press(forwardDelete), forwardDelete) << "an answer counts again";
   finder.role = std::nullopt;
@@ -130,7 +130,7 @@ TEST_F(FinderTest, AsksInAFixedOrderAndNoOftener) {
   remapper->mapFinderDeleteToBin = remapper->mapFinderRename = true;
   front(u"com.example.editor");
   EXPECT_EQ(queries(forwardDelete), (Counts{3, 0, 0})) << "no accessibility question outside the Finder";
-  machine.focusAnswer = FocusAnswer::NoValue;
+  machine.focusAnswer = AccessibilityAnswer::Nothing;
   machine.frontmost = desktop::shared(&finder);
   EXPECT_EQ(queries(letter), (Counts{3, 1, 0})) << "no element, no role";
 }
