@@ -184,16 +184,5 @@ TEST(Quitting, LeavesKeysAsTypedAndNothingToAskFor) {
             status + terminate + typedC + "lost\tmenu Developer\nlost\tshow menu\nlost\tquit\nlost\ttap timeout\n");
 }
 
-TEST(Quitting, ForgetsTheSwitchesAndKeepsTheExemptions) {
-  const PropertyList::Array stored{u"com.example.editor"};
-  for (int run = 0; run < 2; ++run) {
-    TestDesktop desktop;
-    desktop.store(u"exemptBundleIDs", stored);
-    desktop.play({"show menu", "menu \"Disable Tarnwick\""});
-    EXPECT_EQ(desktop.trace(), status + menuFacts("Disable Tarnwick") + terminate);
-    EXPECT_EQ(*desktop.machine.defaults->file->value(u"exemptBundleIDs"), PropertyList(stored));
-  }
-}
-
 } // namespace
 } // namespace tarnwick

@@ -88,8 +88,6 @@ TEST_F(FrontmostTest, IsNotRememberedFromKeyToKey) {
 }
 
 TEST_F(FrontmostTest, IsComparedWithTheStoredListAsItIsOrNotAtAll) {
-  const std::u16string withNul = u"com.example\0more"s;
-  const std::u16string endless(100000, u'x');
   const struct {
     const char* what;
     PropertyList stored;
@@ -109,10 +107,6 @@ TEST_F(FrontmostTest, IsComparedWithTheStoredListAsItIsOrNotAtAll) {
       {"a date in it", PropertyList::Array{u"com.a", PropertyList::Date{}}, {}},
       {"repeated", PropertyList::Array{u"com.b", u"com.a", u"com.b"}, {u"com.a", u"com.b"}},
       {"empty and blank", PropertyList::Array{u"", u" com.a\n"}, {u"", u" com.a\n"}},
-      {"composed and not", PropertyList::Array{u"caf\u00e9", u"cafe\u0301"}, {u"cafe\u0301", u"caf\u00e9"}},
-      {"half a character", PropertyList::Array{u"com.\xd83d"}, {u"com.\xd83d"}},
-      {"a NUL within", PropertyList::Array{withNul}, {withNul}},
-      {"endless", PropertyList::Array{endless}, {endless}},
   };
   for (const auto& [what, stored, exemptOnes] : lists) {
     exempt(stored);

@@ -56,25 +56,6 @@ TEST(SessionGrammar, ConvertsArguments) {
   }
 }
 
-TEST(SessionGrammar, TellsVerbsAndWordsApart) {
-  const char* all = "trust yes\ntrust no\ntaps auto\ntaps allow\ntaps refuse\nscreen 1 1\napp A\nend A\nfront none\n"
-                    "focus none\nlaunch\nraw down 0 0\nraw up 0 0\ndown a\nup a\npress a\ntap timeout\ntap input\n"
-                    "menu a\nclick a\nchoose a\ncancel\nclose\nresize 1 1\nwait 0\nshow menu\nshow window\n"
-                    "show alert\nshow defaults\ndraw a\nquit";
-  std::vector<Verb> verbs;
-  std::vector<Word> words;
-  for (const Command& command : commandsOf(all)) {
-    if (verbs.empty() || verbs.back() != command.verb) verbs.push_back(command.verb);
-    if (command.word != Word::None) words.push_back(command.word);
-  }
-  EXPECT_EQ(verbs, (std::vector{Verb::Trust,  Verb::Taps,   Verb::Screen, Verb::App,    Verb::End,    Verb::Front,
-                                Verb::Focus,  Verb::Launch, Verb::Raw,    Verb::Down,   Verb::Up,     Verb::Press,
-                                Verb::Tap,    Verb::Menu,   Verb::Click,  Verb::Choose, Verb::Cancel, Verb::Close,
-                                Verb::Resize, Verb::Wait,   Verb::Show,   Verb::Draw,   Verb::Quit}));
-  EXPECT_EQ(words, (std::vector{Word::Yes, Word::No, Word::Auto, Word::Allow, Word::Refuse, Word::Down, Word::Up,
-                                Word::Timeout, Word::Input, Word::Menu, Word::Window, Word::Alert, Word::Defaults}));
-}
-
 TEST(SessionGrammar, SplitsWordsByTheirFirstCharacter) {
   std::string longTitle;
   longTitle.resize(10'000'000, ' ');
@@ -178,15 +159,6 @@ TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
     EXPECT_EQ(answer(grammar, line), expected) << line;
   // What prepares the desktop does not launch.
   EXPECT_EQ(commandsOf("trust no\ntaps auto\nscreen none\napp A\nend A\nfront none\nfocus none\nlaunch").size(), 8u);
-}
-
-TEST(SessionGrammar, AFileThatCannotBeReadHasNoLine) {
-  for (const std::string file : {"/", "", "/no/such/file"}) {
-    const auto read = readSessionFile(file);
-    const auto* mistake = std::get_if<Mistake>(&read);
-    ASSERT_TRUE(mistake) << file;
-    EXPECT_EQ(mistake->text().find(file + ": cannot be read: "), 0u) << mistake->text();
-  }
 }
 
 } // namespace

@@ -135,14 +135,24 @@ TEST_F(SettingsWindowTest, TellsTheVersionOnlyWhereItIsAText) {
   }
 }
 
+/// The first image view below a view; null without one.
+desktop::ImageView* imageIn(desktop::View& view) {
+  if (auto* const found = desktop::ifIs<desktop::ImageView>(&view)) return found;
+  for (const auto& subview : view.subviews) {
+    if (auto* const found = imageIn(*subview)) return found;
+  }
+  return nullptr;
+}
+
 TEST_F(SettingsWindowTest, OpensWithoutItsIconAndWithABrokenOne) {
   const auto icon = desktop.bundle / "Contents" / "Resources" / "AppIcon.icns";
   desktop::writeFile(icon, "no image");
   open();
+  EXPECT_FALSE(imageIn(*machine.appKit->frontWindow()->contentView())->image) << "a broken one";
   std::filesystem::remove(icon);
   controller = {};
   open();
-  EXPECT_TRUE(click("Open Login Items"));
+  EXPECT_TRUE(imageIn(*machine.appKit->frontWindow()->contentView())->image) << "the platform's own instead";
 }
 
 TEST_F(SettingsWindowTest, ComesBackToTheCentreEachTimeItIsShown) {
@@ -232,13 +242,16 @@ TEST(SettingsMenuEntry, SwitchesAreBackOnAndExemptionsKeptInTheNextRun) {
   std::filesystem::create_directories(app);
   desktop::writeFile(app / "Info.plist",
                      writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
-  const std::string first = run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nfront Editor\ndown ctrl+b\ndown ctrl+c\n"
-                                "click \"Choose App…\"\nchoose \"" +
-                                app.parent_path().string() + "\"\nfront Editor\ndown ctrl+c");
+  const std::string first =
+      run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nfront Editor\ndown ctrl+b\ndown ctrl+c\n"
+          "click \"Choose App…\"\nchoose \"" +
+          app.parent_path().string() + "\"\nfront Editor\ndown ctrl+c\nmenu \"Disable Tarnwick\"");
   EXPECT_NE(first.find("key\tEditor\tdown\t0x0b\t0x40000\nkey\tEditor\tdown\t0x08\t0x100000\n"), std::string::npos);
   EXPECT_NE(first.find("key\tEditor\tdown\t0x08\t0x40000\nterminate\n"), std::string::npos) << first;
-  const std::string second = run("down ctrl+b\napp Other\nfront Other\ndown ctrl+b\nmenu Settings…\nclick Remove\n"
-                                 "front Editor\ndown ctrl+c");
+  const std::string second =
+      run("show menu\ndown ctrl+b\napp Other\nfront Other\ndown ctrl+b\nmenu Settings…\nclick Remove\n"
+          "front Editor\ndown ctrl+c");
+  EXPECT_NE(second.find("item\tDisable Tarnwick\t"), std::string::npos) << second;
   EXPECT_NE(second.find("key\tEditor\tdown\t0x0b\t0x40000\nkey\tOther\tdown\t0x0b\t0x100000\n"), std::string::npos);
   EXPECT_NE(second.find("key\tEditor\tdown\t0x08\t0x100000\nterminate\n"), std::string::npos) << second;
 }
