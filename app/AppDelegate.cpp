@@ -12,7 +12,7 @@ using namespace platform;
 
 namespace {
 
-constexpr auto developerAddress = "https://tarnwick.example/";
+constexpr auto developerAddress = "https://tarnwick.example";
 constexpr const char* disableTitle = "Disable Tarnwick";
 constexpr const char* enableTitle = "Enable Tarnwick";
 

@@ -6,6 +6,8 @@
 #include "platform/Window.hpp"
 #include "remap/KeyRemapper.hpp"
 
+#include <memory>
+
 namespace tarnwick {
 
 /// State of the one run-time object of class `AppDelegate`, which `main` makes and keeps. It owns the remapper and

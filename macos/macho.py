@@ -5,7 +5,6 @@ from dataclasses import dataclass, field
 FAT_MAGIC = 0xCAFEBABE
 MAGIC_64 = 0xFEEDFACF
 PROCESSORS = {0x0100000C: "arm64", 0x01000007: "x86_64"}
-X86_64 = 0x01000007
 ARM64 = 0x0100000C
 
 LC_SYMTAB = 0x2

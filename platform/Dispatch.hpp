@@ -4,7 +4,6 @@
 #include "platform/Runtime.hpp"
 
 #include <memory>
-#include <type_traits>
 #include <utility>
 
 #if defined(__APPLE__) && __has_include(<dispatch/dispatch.h>)

@@ -5,7 +5,6 @@
 #include "platform/Runtime.hpp"
 
 #include <algorithm>
-#include <concepts>
 #include <type_traits>
 
 namespace platform {

@@ -24,7 +24,6 @@ namespace platform {
 using NSInteger = long;
 using NSUInteger = unsigned long;
 
-using NSPoint = CGPoint;
 using NSSize = CGSize;
 using NSRect = CGRect;
 

@@ -49,7 +49,6 @@ void objc_msgSend(void);
 void objc_msgSendSuper(void);
 #if defined(__x86_64__)
 void objc_msgSend_stret(void);
-void objc_msgSendSuper_stret(void);
 #endif
 #endif
 }

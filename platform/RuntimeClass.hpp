@@ -12,8 +12,6 @@
 
 #include "platform/Send.hpp"
 
-#include <memory>
-
 namespace platform {
 
 template <class State> class InstanceState {

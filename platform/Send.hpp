@@ -3,6 +3,7 @@
 
 #include "platform/Encoding.hpp"
 
+#include <concepts>
 #include <utility>
 
 #if !defined(__APPLE__)

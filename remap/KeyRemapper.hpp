@@ -7,6 +7,7 @@
 #include "remap/TranslationRules.hpp"
 
 #include <memory>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 

@@ -6,6 +6,7 @@
 #include "remap/KeyRemapper.hpp"
 
 #include <array>
+#include <memory>
 
 namespace tarnwick {
 

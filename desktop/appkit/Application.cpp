@@ -54,7 +54,8 @@ void Application::terminate(id /*sender*/) {
   desktop.tarnwick = nullptr;
 }
 
-void Application::activateIgnoringOtherApps(BOOL /*ignoring*/) {
+void Application::activateIgnoringOtherApps(BOOL ignoring) {
+  if (!ignoring && Desktop::current().frontmost) return;
   Desktop::current().tarnwick->activateWithOptions(0);
 }
 

@@ -1,6 +1,5 @@
 #include "platform/Accessibility.hpp"
 
-#include "desktop/quartz/Accessibility.hpp"
 #include "desktop/quartz/Desktop.hpp"
 
 using namespace desktop;

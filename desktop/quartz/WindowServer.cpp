@@ -2,8 +2,6 @@
 
 #include "desktop/quartz/Desktop.hpp"
 
-#include <algorithm>
-
 namespace desktop {
 namespace {
 
@@ -137,6 +135,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
 }
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable) {
+  if (enable && !tapOf(tap)->scheduled) stop("a tap is enabled once it is on a run loop");
   tapOf(tap)->enabled = enable;
   tapOf(tap)->asked = enable;
 }

@@ -1,6 +1,7 @@
 #include "desktop/session/Journal.hpp"
 
 #include "desktop/session/KeyNames.hpp"
+#include "desktop/session/Trace.hpp"
 
 namespace desktop {
 namespace {

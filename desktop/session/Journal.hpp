@@ -1,8 +1,7 @@
 /// What happened, told to people.
 #pragma once
 
-#include "desktop/quartz/Desktop.hpp"
-#include "desktop/session/Trace.hpp"
+#include "desktop/quartz/Fact.hpp"
 
 namespace desktop {
 

@@ -1,6 +1,6 @@
 #include "desktop/session/KeyNames.hpp"
 
-#include "desktop/session/Trace.hpp"
+#include "desktop/quartz/Fact.hpp"
 #include "desktop/session/Words.hpp"
 
 #include <algorithm>

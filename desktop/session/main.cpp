@@ -2,6 +2,7 @@
 
 #include "desktop/session/Journal.hpp"
 #include "desktop/session/Session.hpp"
+#include "desktop/session/Trace.hpp"
 
 #include <cstdio>
 #include <cstring>

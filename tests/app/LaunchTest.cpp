@@ -1,6 +1,7 @@
 #include "tests/support/TestDesktop.hpp"
 
 #include "app/main.hpp"
+#include "platform/Application.hpp"
 
 namespace tarnwick {
 namespace {
@@ -155,13 +156,24 @@ TEST(Menu, IsWiredToTheDelegate) {
                 }});
 }
 
+TEST(Menu, ComesOnceTheProgramIsOutOfTheDock) {
+  TestDesktop desktop;
+  constexpr NSInteger unasked = -1;
+  NSInteger policy = unasked;
+  desktop.machine.journal = [&](const Fact& fact) {
+    if (fact.front() == "status") policy = desktop.machine.appKit->application->activationPolicy;
+  };
+  desktop.play({"launch"});
+  EXPECT_EQ(policy, platform::NSApplicationActivationPolicyAccessory);
+}
+
 TEST(Menu, OpensTheDevelopersWebsite) {
   TestDesktop desktop;
   desktop.play({"menu Developer"});
   ASSERT_EQ(desktop.facts.at(1).at(0), "open");
   const std::string& address = desktop.facts[1][1];
   EXPECT_EQ(address.rfind("https://", 0), 0U) << address;
-  EXPECT_EQ(address.find_first_of("/?#", 8), address.size() - 1) << address << " is not the root of its site";
+  EXPECT_EQ(address.find_first_of("/?#", 8), std::string::npos) << address << " is not the root of its site";
 }
 
 TEST(Quitting, TakesTheTapDownFirst) {

@@ -205,6 +205,9 @@ TEST(Confirmation, PostsNothingUponRefusalAndAsksAgain) {
 TEST(Confirmation, IsAskedOnceHoweverOftenTheKeyComes) {
   EXPECT_EQ(play("press forwarddelete 3\n click Cancel\n wait 1"), swallowed + swallowed + swallowed + alert + refusal)
       << "also before the alert is up";
+  EXPECT_EQ(play("down forwarddelete\n click Cancel\n up forwarddelete\n wait 1"),
+            "swallowed\tdown\t0x75\t0x800000\n" + alert + refusal + "swallowed\tup\t0x75\t0x800000\n")
+      << "the key's release asks nothing";
   const std::string down = "swallowed\tdown\t0x75\t0x800000\n";
   EXPECT_EQ(play("down forwarddelete\n down forwarddelete\n press forwarddelete 2\n up forwarddelete\n click Cancel\n "
                  "wait 1"),

@@ -52,6 +52,15 @@ protected:
     EXPECT_TRUE(desktop::showWindow(machine));
     return desktop.trace();
   }
+  desktop::Window& window() { return *desktop::as<desktop::Window>(controller.window().object()); }
+  /// The window's first view of that class; there must be one.
+  template <class Kind> Kind& first() {
+    Kind* found = nullptr;
+    desktop::forEachView(*window().contentView(), [&](desktop::View& view) {
+      if (found == nullptr) found = desktop::ifIs<Kind>(&view);
+    });
+    return *found;
+  }
   bool click(const char* title, std::uint64_t row = 1) { return desktop::clickInWindow(machine, title, row); }
 
   std::vector<bool> flags() const {
@@ -90,12 +99,26 @@ TEST_F(SettingsWindowTest, ShowsEachSwitchAsItStandsWhenItIsShown) {
 
 TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
   open();
+  remapper->mapSave = false; // behind the checkbox's back
   const auto stranger = platform::NSButton::checkboxWithTitle(platform::NSString::utf8("Save (Ctrl+S)"), nullptr,
                                                               platform::selectorNamed<"toggleMapping:">());
   platform::send<"toggleMapping:">(controller, stranger);
   platform::send<"toggleMapping:">(controller, nullptr);
   platform::send<"removeExemption:">(controller, stranger);
+  EXPECT_EQ(machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << "nothing was saved";
+  EXPECT_FALSE(remapper->mapSave);
+  EXPECT_TRUE(click("Save (Ctrl+S)"));
+  EXPECT_FALSE(remapper->mapSave) << "the checkbox says off";
+  remapper->mapSave = true;
   EXPECT_EQ(flags(), std::vector<bool>(std::size(switches), true));
+}
+
+TEST_F(SettingsWindowTest, OpensAddressesFromItsLinks) {
+  open();
+  desktop.facts.clear();
+  EXPECT_TRUE(click("About Tarnwick") && click("Open Login Items"));
+  EXPECT_EQ(desktop.trace(), "open\thttps://tarnwick.example/about\n"
+                             "open\tx-apple.systempreferences:com.apple.LoginItems-Settings.extension\n");
 }
 
 TEST_F(SettingsWindowTest, ListsExemptionsInOrderAndKeepsUpWithThem) {
@@ -135,35 +158,71 @@ TEST_F(SettingsWindowTest, TellsTheVersionOnlyWhereItIsAText) {
   }
 }
 
-/// The first image view below a view; null without one.
-desktop::ImageView* imageIn(desktop::View& view) {
-  if (auto* const found = desktop::ifIs<desktop::ImageView>(&view)) return found;
-  for (const auto& subview : view.subviews) {
-    if (auto* const found = imageIn(*subview)) return found;
-  }
-  return nullptr;
-}
-
 TEST_F(SettingsWindowTest, OpensWithoutItsIconAndWithABrokenOne) {
   const auto icon = desktop.bundle / "Contents" / "Resources" / "AppIcon.icns";
   desktop::writeFile(icon, "no image");
   open();
-  EXPECT_FALSE(imageIn(*machine.appKit->frontWindow()->contentView())->image) << "a broken one";
+  EXPECT_FALSE(first<desktop::ImageView>().image) << "a broken one";
   std::filesystem::remove(icon);
   controller = {};
   open();
-  EXPECT_TRUE(imageIn(*machine.appKit->frontWindow()->contentView())->image) << "the platform's own instead";
+  EXPECT_TRUE(first<desktop::ImageView>().image) << "the platform's own instead";
 }
 
-TEST_F(SettingsWindowTest, ComesBackToTheCentreEachTimeItIsShown) {
+TEST_F(SettingsWindowTest, HasItsDefaultSizeAndContentBeforeItIsShown) {
+  controller = MappingsWindowController::make(remapper);
+  EXPECT_EQ(window().contentSize().width, 540);
+  EXPECT_EQ(window().contentSize().height, 780);
+  EXPECT_GT(first<desktop::ScrollView>().document->frame.size.height, 780);
+}
+
+TEST_F(SettingsWindowTest, IsCentredEachTimeBeforeItIsShown) {
+  std::vector<double> shownAt;
+  machine.journal = [&](const desktop::Fact& fact) {
+    if (fact.front() == "window") shownAt.push_back(window().frame.origin.x);
+  };
   open();
-  desktop::Window& window = *machine.appKit->frontWindow();
-  const double centred = window.frame.origin.x;
-  EXPECT_EQ(centred, (machine.screen->width - window.frame.size.width) / 2);
-  window.frame.origin = {0, 0};
+  const double centred = (machine.screen->width - window().frame.size.width) / 2;
+  window().frame.origin = {0, 0};
   open();
-  EXPECT_EQ(window.frame.origin.x, centred);
-  EXPECT_GT(window.frame.origin.y, 0);
+  EXPECT_EQ(shownAt, (std::vector{centred, centred}));
+}
+
+TEST_F(SettingsWindowTest, MeasuresItsDocumentWheneverTheListOrTheWindowChanges) {
+  for (const char* each : {"org.a", "org.b"})
+    remapper->addExemptBundleID(platform::NSString::utf8(each));
+  open();
+  const auto height = [&] { return first<desktop::ScrollView>().document->frame.size.height; };
+  const double two = height();
+  EXPECT_TRUE(click("Remove"));
+  const double one = height();
+  EXPECT_EQ(one, two - 26);
+  EXPECT_TRUE(click("Remove"));
+  EXPECT_EQ(height(), one) << "an emptied list waits for the next time the window is shown";
+  open();
+  const double wide = height();
+  EXPECT_LT(wide, one);
+  EXPECT_TRUE(window().resize({460, 560}));
+  EXPECT_EQ(height(), wide + 16) << "a note takes another line";
+  EXPECT_TRUE(window().resize({460, 2000}));
+  EXPECT_EQ(height(), 2000) << "as high as the window";
+  EXPECT_TRUE(window().resize({612, 560}));
+  EXPECT_EQ(height(), wide);
+}
+
+TEST_F(SettingsWindowTest, ScrollsOnlyUpAndDown) {
+  open();
+  const auto& scroll = first<desktop::ScrollView>();
+  EXPECT_TRUE(scroll.hasVerticalScroller && scroll.autohidesScrollers);
+  EXPECT_FALSE(scroll.hasHorizontalScroller || scroll.drawsBackground);
+  EXPECT_EQ(scroll.document->autoresizingMask, platform::NSViewWidthSizable);
+  EXPECT_FALSE(scroll.document->translatesMask);
+  EXPECT_EQ(first<desktop::ImageView>().scaling, platform::NSImageScaleProportionallyUpOrDown);
+  EXPECT_TRUE(first<desktop::Button>().tint) << "the link to the program's page is quieter than its label";
+  const desktop::View& settings = *scroll.document->subviews.back();
+  const double below = scroll.document->frame.size.height - settings.frame.origin.y - settings.frame.size.height;
+  EXPECT_EQ(settings.frame.origin.y, 136);
+  EXPECT_EQ(below, 20);
 }
 
 TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
@@ -202,6 +261,19 @@ TEST(ExemptionsPanel, TakesTheIdentifierOfTheBundleThatIsChosen) {
   EXPECT_EQ(chooseBundle(7), before);
   EXPECT_EQ(chooseBundle(std::nullopt), before);
   EXPECT_EQ(chooseBundle(std::nullopt, false), before) << "no bundle at all";
+}
+
+TEST(ExemptionsPanel, TakesNothingWhenItIsCancelled) {
+  const desktop::TemporaryFolder folder;
+  const auto app = folder.path / "Chosen.app";
+  std::filesystem::create_directories(app / "Contents");
+  desktop::writeFile(app / "Contents" / "Info.plist",
+                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.chosen"}}));
+  desktop::TestDesktop desktop;
+  // Selected in the panel, but never confirmed.
+  desktop.play({"menu Settings…\nclick \"Choose App…\"",
+                [&] { desktop.machine.appKit->frontPanel()->chosen = desktop::fileURL(app.string()); }, "cancel"});
+  EXPECT_EQ(desktop.machine.defaults->file->value(u"exemptBundleIDs"), nullptr);
 }
 
 TEST(ExemptionsPanel, AsksForOneApplication) {
