@@ -54,8 +54,8 @@ struct Typed {
   std::uint16_t code;
   CGEventFlags flags;
 };
-constexpr Typed letter{0x00, 0};
-constexpr Typed shortcut{0x08, 0x40000};
+constexpr Typed letter{kVK_ANSI_A, 0};
+constexpr Typed shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
 
 /// Key-downs of `typed` with `application` in front and so many exempt applications.
 void event(benchmark::State& state, Typed typed, const char* application, bool exempt = false) {

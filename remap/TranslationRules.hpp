@@ -1,7 +1,7 @@
 /// The arithmetic of the rules: nothing but key codes and modifier flags.
 #pragma once
 
-#include "platform/EventServices.hpp"
+#include "platform/KeyCodes.hpp"
 
 #include <cstdint>
 #include <initializer_list>
@@ -30,30 +30,6 @@ struct Outcome {
   static constexpr Outcome rewrite(Key key) { return {Kind::Rewrite, key}; }
   static constexpr Outcome swallow() { return {Kind::Swallow, {}}; }
 };
-
-/// The key codes that the rules know, by the platform's names for them.
-inline constexpr CGKeyCode kVK_ANSI_A = 0x00;
-inline constexpr CGKeyCode kVK_ANSI_S = 0x01;
-inline constexpr CGKeyCode kVK_ANSI_F = 0x03;
-inline constexpr CGKeyCode kVK_ANSI_Z = 0x06;
-inline constexpr CGKeyCode kVK_ANSI_X = 0x07;
-inline constexpr CGKeyCode kVK_ANSI_C = 0x08;
-inline constexpr CGKeyCode kVK_ANSI_V = 0x09;
-inline constexpr CGKeyCode kVK_ANSI_B = 0x0B;
-inline constexpr CGKeyCode kVK_ANSI_Q = 0x0C;
-inline constexpr CGKeyCode kVK_ANSI_Y = 0x10;
-inline constexpr CGKeyCode kVK_ANSI_2 = 0x13;
-inline constexpr CGKeyCode kVK_ANSI_U = 0x20;
-inline constexpr CGKeyCode kVK_ANSI_I = 0x22;
-inline constexpr CGKeyCode kVK_Return = 0x24;
-inline constexpr CGKeyCode kVK_ANSI_L = 0x25;
-inline constexpr CGKeyCode kVK_ANSI_Quote = 0x27;
-inline constexpr CGKeyCode kVK_ANSI_N = 0x2D;
-inline constexpr CGKeyCode kVK_Delete = 0x33;
-inline constexpr CGKeyCode kVK_ForwardDelete = 0x75;
-inline constexpr CGKeyCode kVK_F2 = 0x78;
-inline constexpr CGKeyCode kVK_LeftArrow = 0x7B;
-inline constexpr CGKeyCode kVK_RightArrow = 0x7C;
 
 /// A set of key codes below 128, which all of the platform's are.
 class KeyCodeSet {

@@ -1,12 +1,11 @@
 #include "desktop/appkit/AppKit.hpp"
+#include "platform/KeyCodes.hpp"
 
 namespace desktop {
 namespace {
 
-constexpr std::int64_t returnKey = 0x24;
-constexpr std::int64_t deleteKey = 0x33;
-constexpr std::int64_t escapeKey = 0x35;
-constexpr CGEventFlags modifiers = 0x1E0000;
+constexpr CGEventFlags modifiers =
+    kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
 
 bool isEditing(const RunningApplication& finder) {
   return finder.role == "AXTextField" || finder.role == "AXTextArea" || finder.role == "AXComboBox";
@@ -28,12 +27,12 @@ void finderReaction(RunningApplication& finder, const Event& event) {
   if (event.type != kCGEventKeyDown) return;
   const CGEventFlags held = event.flags & modifiers;
   const bool isRenaming = isEditing(finder);
-  if (held == kCGEventFlagMaskCommand && event.code == deleteKey && !isRenaming) {
+  if (held == kCGEventFlagMaskCommand && event.code == kVK_Delete && !isRenaming) {
     Desktop::current().remark("the Finder moves the selection to the Bin");
   }
   if (held != 0) return;
-  if (event.code == returnKey) isRenaming ? endRenaming(finder) : beginRenaming(finder);
-  if (event.code == escapeKey && isRenaming) endRenaming(finder);
+  if (event.code == kVK_Return) isRenaming ? endRenaming(finder) : beginRenaming(finder);
+  if (event.code == kVK_Escape && isRenaming) endRenaming(finder);
 }
 
 } // namespace desktop

@@ -2,6 +2,7 @@
 
 #include "desktop/quartz/Fact.hpp"
 #include "desktop/session/Words.hpp"
+#include "platform/EventServices.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -11,6 +12,8 @@ namespace desktop {
 
 namespace {
 
+constexpr std::uint64_t capsLock = 0x10000;
+
 struct Modifier {
   std::string_view name;
   std::uint64_t flag;
@@ -18,8 +21,14 @@ struct Modifier {
 
 // In the order in which people are told them; of two names with one flag the first is told.
 constexpr Modifier modifiers[] = {
-    {"Cmd", 0x100000}, {"Win", 0x100000},  {"Ctrl", 0x40000}, {"Option", 0x80000},
-    {"Alt", 0x80000},  {"Shift", 0x20000}, {"Caps", 0x10000}, {"Fn", 0x800000},
+    {"Cmd", kCGEventFlagMaskCommand},
+    {"Win", kCGEventFlagMaskCommand},
+    {"Ctrl", kCGEventFlagMaskControl},
+    {"Option", kCGEventFlagMaskAlternate},
+    {"Alt", kCGEventFlagMaskAlternate},
+    {"Shift", kCGEventFlagMaskShift},
+    {"Caps", capsLock},
+    {"Fn", kCGEventFlagMaskSecondaryFn},
 };
 
 struct Key {
@@ -29,7 +38,7 @@ struct Key {
 };
 
 constexpr std::uint64_t arrow = 0xa00000;
-constexpr std::uint64_t function = 0x800000;
+constexpr std::uint64_t function = kCGEventFlagMaskSecondaryFn;
 
 // The codes of the ANSI layout follow the places of the keys, so there is no order to exploit.
 // clang-format off
