@@ -4,8 +4,8 @@ from dataclasses import dataclass, field
 
 FAT_MAGIC = 0xCAFEBABE
 MAGIC_64 = 0xFEEDFACF
-PROCESSORS = {0x0100000C: "arm64", 0x01000007: "x86_64"}
 ARM64 = 0x0100000C
+PROCESSORS = {ARM64: "arm64", 0x01000007: "x86_64"}
 
 LC_SYMTAB = 0x2
 LC_LOAD_DYLINKER = 0xE
@@ -24,7 +24,6 @@ class MachOError(Exception):
 
 @dataclass
 class Section:
-    segment: str
     name: str
     size: int
 
@@ -32,8 +31,6 @@ class Section:
 @dataclass
 class Segment:
     name: str
-    address: int
-    memory_size: int
     file_offset: int
     file_size: int
     protection: int  # what the system lets the segment become: read 1, write 2, execute 4
@@ -52,7 +49,6 @@ class Image:
     """One processor's program or library."""
     data: bytes
     cpu: int
-    subtype: int
     filetype: int
     flags: int
     segments: list = field(default_factory=list)
@@ -126,8 +122,8 @@ def read_image(data):
     """What the load commands of one slice say."""
     if len(data) < 32 or struct.unpack_from("<I", data)[0] != MAGIC_64:
         raise MachOError("not a 64-bit Mach-O file")
-    cpu, subtype, filetype, count, _, flags = struct.unpack_from("<6I", data, 4)
-    image = Image(bytes(data), cpu, subtype, filetype, flags)
+    cpu, _, filetype, count, _, flags = struct.unpack_from("<6I", data, 4)
+    image = Image(bytes(data), cpu, filetype, flags)
     position = 32
     for _ in range(count):
         command, size = struct.unpack_from("<2I", data, position)
@@ -151,12 +147,12 @@ def read_image(data):
 def read_segment(image, position):
     """A segment and its sections."""
     name = text_at(image.data, position + 8, position + 24)
-    address, memory_size, offset, size = struct.unpack_from("<4Q", image.data, position + 24)
+    offset, size = struct.unpack_from("<2Q", image.data, position + 40)
     protection, _, count = struct.unpack_from("<3I", image.data, position + 56)
-    image.segments.append(Segment(name, address, memory_size, offset, size, protection, position))
+    image.segments.append(Segment(name, offset, size, protection, position))
     for start in range(position + 72, position + 72 + 80 * count, 80):
         section = text_at(image.data, start, start + 16)
-        image.sections.append(Section(name, section, struct.unpack_from("<Q", image.data, start + 40)[0]))
+        image.sections.append(Section(section, struct.unpack_from("<Q", image.data, start + 40)[0]))
 
 
 def read_symbols(image, position):
