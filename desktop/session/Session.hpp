@@ -30,6 +30,8 @@ public:
 private:
   bool playNext();
   void play(const Command& command);
+  /// The menu bar keeps the last application that has menus of its own there; Tarnwick has none.
+  void noteMenuBarOwner();
   /// False when the command found nothing to act on.
   bool carryOut(const Command& command);
   bool carryOutOnProgram(const Command& command);
@@ -48,7 +50,6 @@ private:
   Source source;
   /// The command that launched the program by being none of those that come before; carried out first.
   std::optional<Command> waiting;
-  void noteMenuBarOwner();
   /// A menu that was shown stays open for pictures of it, until the user does something else.
   MenuBarState menuBar;
 };
