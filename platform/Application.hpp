@@ -40,8 +40,9 @@ public:
   using NSObject::NSObject;
   /// One for the life of the process.
   static const NSWorkspace& sharedWorkspace() {
-    static const NSWorkspace& shared = *new NSWorkspace(send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">));
-    return shared;
+    static const NSWorkspace* shared = nullptr;
+    if (shared == nullptr) shared = new NSWorkspace(send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">));
+    return *shared;
   }
 
   /// The application that receives key presses, or none.

@@ -22,8 +22,10 @@ public:
   }
   /// A constant, made once and never released, so that the key path can compare with it.
   template <Name text> static const NSString& constant() {
-    static const NSString& made = *new NSString(utf8(text.text));
-    return made;
+    // Not a guarded static, so that the key path stays short: the program is on the main thread.
+    static const NSString* made = nullptr;
+    if (made == nullptr) made = new NSString(utf8(text.text));
+    return *made;
   }
   /// The same object under its Objective-C name.
   static NSString sharing(CFStringRef string) { return {share, reinterpret_cast<id>(const_cast<__CFString*>(string))}; }

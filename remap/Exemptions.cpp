@@ -39,7 +39,7 @@ struct SortKey {
 
 void KeyRemapper::loadExemptions() {
   // Most applications are not exempt: in a sparse table their bucket is empty, and nothing is compared.
-  constexpr float sparse = 0.25F;
+  constexpr float sparse = 0.125F;
   exemptBundleIDs.max_load_factor(sparse);
   const NSArray stored = NSUserDefaults::standardUserDefaults().arrayForKey(exemptionsDefaultsKey);
   for (NSUInteger index = 0; index < stored.count(); ++index) {

@@ -17,8 +17,9 @@ Desktop* only = nullptr;
 
 struct Workspace : Object {
   static RunningApplication* frontmostApplication() {
-    ++Desktop::current().queries.frontmost;
-    return Desktop::current().frontmost.get();
+    Desktop& desktop = Desktop::current();
+    ++desktop.queries.frontmost;
+    return desktop.frontmost.get();
   }
   static BOOL openURL(URL* url) {
     Desktop::current().journal({"open", url->text});
