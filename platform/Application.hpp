@@ -31,7 +31,7 @@ public:
   }
 
   /// Empty when the application has none.
-  [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }
+  [[nodiscard]] Lent<NSString> bundleIdentifier() const { return send<"bundleIdentifier", Lent<NSString>>(*this); }
   void activateWithOptions(NSUInteger options) const { send<"activateWithOptions:", BOOL>(*this, options); }
 };
 
@@ -46,8 +46,8 @@ public:
   }
 
   /// The application that receives key presses, or none.
-  [[nodiscard]] NSRunningApplication frontmostApplication() const {
-    return send<"frontmostApplication", NSRunningApplication>(*this);
+  [[nodiscard]] Lent<NSRunningApplication> frontmostApplication() const {
+    return send<"frontmostApplication", Lent<NSRunningApplication>>(*this);
   }
   void openURL(const NSURL& url) const { send<"openURL:", BOOL>(*this, url); }
   /// Nothing happens when the text is no URL.

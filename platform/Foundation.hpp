@@ -131,7 +131,7 @@ public:
   static NSBundle withURL(const NSURL& url) { return make<"NSBundle", "initWithURL:", NSBundle>(url); }
 
   /// Empty when the bundle names none.
-  [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }
+  [[nodiscard]] Lent<NSString> bundleIdentifier() const { return send<"bundleIdentifier", Lent<NSString>>(*this); }
   [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
     return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
   }

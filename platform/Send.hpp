@@ -19,14 +19,14 @@ inline constexpr Adopt adopt;
 /// Takes a reference of one's own on something that another keeps.
 inline constexpr Share share;
 
-/// One reference to one of the platform's objects, or none. Copies share the object.
+/// One reference to one of the platform's objects, or none. Copies share the object. There is no move: a `Lent`
+/// has no reference that could be taken from it.
 class NSObject {
 public:
   NSObject() = default;
   NSObject(Adopt, id taken) : held(taken) {}
   NSObject(Share, id shared) : held(shared != nullptr ? objc_retain(shared) : nullptr) {}
   NSObject(const NSObject& other) : NSObject(share, other.held) {}
-  NSObject(NSObject&& other) noexcept : held(std::exchange(other.held, nullptr)) {}
   NSObject& operator=(NSObject other) noexcept {
     std::swap(held, other.held);
     return *this;
@@ -43,6 +43,17 @@ public:
 
 private:
   id held = nullptr;
+};
+
+/// A message's result that is used without a reference of one's own, for the key path's sake. It lives until the
+/// autorelease pool around it ends, so it is no member of anything; a copy of it as `Type` lives on.
+template <std::derived_from<NSObject> Type> class Lent : public Type {
+public:
+  Lent() = default;
+  explicit Lent(id lent) : Type(adopt, lent) {}
+  Lent(const Lent&) = delete;
+  Lent& operator=(const Lent&) = delete;
+  ~Lent() { static_cast<void>(this->detach()); }
 };
 
 template <class Type>
@@ -78,6 +89,11 @@ template <Wrapper Type> struct Form<Type> {
   using Sent = id;
   static id out(const Type& value) { return value.object(); }
   static Type in(id value) { return Type(share, value); }
+};
+template <class Type> struct Form<Lent<Type>> {
+  using Sent = id;
+  static id out(const Lent<Type>& value) { return value.object(); }
+  static Lent<Type> in(id value) { return Lent<Type>(value); }
 };
 template <Name name> struct Form<ClassNamed<name>> {
   using Sent = Class;

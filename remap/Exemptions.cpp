@@ -69,8 +69,8 @@ std::vector<NSString> KeyRemapper::allExemptBundleIDs() const {
   std::sort(keys.begin(), keys.end());
   std::vector<NSString> sorted;
   sorted.reserve(keys.size());
-  for (SortKey& key : keys)
-    sorted.push_back(std::move(key.text));
+  for (const SortKey& key : keys)
+    sorted.push_back(key.text);
   return sorted;
 }
 

@@ -26,7 +26,7 @@ CGEventRef KeyRemapper::handleEvent(CGEventTapProxy /*proxy*/, CGEventType type,
 }
 
 bool KeyRemapper::isFrontmostExempt() const {
-  const NSString bundleID = frontmostBundleID();
+  const Lent<NSString> bundleID = frontmostBundleID();
   if (!bundleID) return false;
   // The program's own windows get keys as typed.
   if (NSBundle::mainBundle().bundleIdentifier() == bundleID) return true;

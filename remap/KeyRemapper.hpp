@@ -93,7 +93,7 @@ private:
   [[nodiscard]] bool isTypingInEditableField() const;
   [[nodiscard]] bool isFinderFrontmost() const;
   /// Of the application that receives the keys; empty when there is none, or when it has no identifier.
-  static platform::NSString frontmostBundleID();
+  static platform::Lent<platform::NSString> frontmostBundleID();
 
   /// Asks, after the current event, whether the Finder's selection is to go to the Bin. One question at a time.
   void promptFinderDeleteConfirmation();

@@ -33,7 +33,7 @@ bool KeyRemapper::isFinderFrontmost() const {
   return frontmostBundleID() == NSString::constant<finderBundleID>();
 }
 
-NSString KeyRemapper::frontmostBundleID() {
+Lent<NSString> KeyRemapper::frontmostBundleID() {
   return NSWorkspace::sharedWorkspace().frontmostApplication().bundleIdentifier();
 }
 

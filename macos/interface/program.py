@@ -217,6 +217,7 @@ def text_of(argument):
 
 def class_of(kind):
     """The class that a C++ type stands for; empty when it says nothing."""
+    kind = re.sub(r"^platform::Lent<(.*)>$", r"\1", kind)
     found = re.fullmatch(r"(?:\w+::)*(\w+)(?:<.*>)?", kind)
     return found[1] if found and "::" in kind and found[1] not in ("NSObject", "nullptr_t") else ""
 

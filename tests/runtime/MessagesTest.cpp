@@ -113,24 +113,38 @@ TEST(References, AreCountedByTheirOwner) {
     NSString copy = first;
     const NSString another(share, object);
     EXPECT_EQ(references(object), 3);
-    NSString moved = std::move(copy);
+    copy = another;
     EXPECT_EQ(references(object), 3);
-    copy = moved;
-    EXPECT_EQ(references(object), 4);
     copy = NSString::utf8("other");
-    EXPECT_EQ(references(object), 3);
+    EXPECT_EQ(references(object), 2);
   }
   EXPECT_EQ(references(object), 1);
 
   NSString& itself = first;
   first = itself;
-  first = std::move(itself);
   EXPECT_EQ(first.object(), object);
   EXPECT_EQ(references(object), 1);
 
   const NSString takenBack(adopt, first.detach());
   EXPECT_FALSE(first);
   EXPECT_EQ(references(object), 1);
+}
+
+TEST(References, LentOnesStayWithTheirOwner) {
+  const desktop::LeakCheck nothingLeaks;
+  const NSString owner = NSString::utf8("text");
+  const auto lend = [&] { return Lent<NSString>(owner.object()); };
+  const NSString copy = lend();
+  NSString assigned;
+  assigned = lend();
+  {
+    const Lent<NSString> lent = lend();
+    EXPECT_EQ(lent.length(), 4U);
+    EXPECT_EQ(references(owner.object()), 3);
+    const NSString copyOfIt = lent;
+    EXPECT_EQ(references(owner.object()), 4);
+  }
+  EXPECT_EQ(references(owner.object()), 3);
 }
 
 TEST(References, OfCoreFoundationAreCountedAlike) {
