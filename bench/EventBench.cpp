@@ -59,7 +59,7 @@ constexpr Typed letter{kVK_ANSI_A, 0};
 constexpr Typed shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
 
 /// Key-downs of `typed` with `application` in front and so many exempt applications.
-void event(benchmark::State& state, Typed typed, const char* application, bool exempt = false) {
+void event(benchmark::State& state, Typed typed, const char* application, bool exempt) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.openBundle(TARNWICK_BUNDLE);
@@ -112,24 +112,20 @@ private:
   std::map<std::string, double> leasts;
 };
 
-BENCHMARK(emptyCall)->Name("floor/empty_call")->ComputeStatistics("least", least);
-BENCHMARK(hashSetLookup)->Name(floorName)->ComputeStatistics("least", least);
-BENCHMARK_CAPTURE(event, plain_letter, letter, "Editor")
-    ->Arg(0)
-    ->Arg(10)
-    ->Arg(100000)
-    ->ComputeStatistics("least", least);
-BENCHMARK_CAPTURE(event, rewritten_shortcut, shortcut, "Editor")
-    ->Arg(0)
-    ->Arg(10)
-    ->Arg(100000)
-    ->ComputeStatistics("least", least);
-BENCHMARK_CAPTURE(event, exempt_application, shortcut, "Editor", true)
-    ->Arg(0)
-    ->Arg(10)
-    ->Arg(100000)
-    ->ComputeStatistics("least", least);
-BENCHMARK_CAPTURE(event, finder_in_front, letter, "Finder")->Arg(0)->ComputeStatistics("least", least);
+void registerAll() {
+  const auto add = [](const char* name, auto measured) {
+    return benchmark::RegisterBenchmark(name, measured)->ComputeStatistics("least", least);
+  };
+  const auto addWithLists = [&](const char* name, Typed typed, bool exempt) {
+    add(name, [=](benchmark::State& state) { event(state, typed, "Editor", exempt); })->Arg(0)->Arg(10)->Arg(100000);
+  };
+  add("floor/empty_call", emptyCall);
+  add(floorName, hashSetLookup);
+  addWithLists("event/plain_letter", letter, false);
+  addWithLists("event/rewritten_shortcut", shortcut, false);
+  addWithLists("event/exempt_application", shortcut, true);
+  add("event/finder_in_front", [](benchmark::State& state) { event(state, letter, "Finder", false); })->Arg(0);
+}
 
 } // namespace
 
@@ -148,6 +144,7 @@ int main(int count, char** words) {
 
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  registerAll();
   Ratios reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   return 0;
