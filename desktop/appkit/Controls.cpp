@@ -6,8 +6,7 @@
 namespace desktop {
 namespace {
 
-/// What a control shows besides its text: a checkbox's square and gap, a button's ends.
-constexpr CGFloat checkboxExtra = 20;
+/// What a button shows besides its text: its ends.
 constexpr CGFloat pushExtra = 28;
 constexpr CGFloat inlineExtra = 16;
 constexpr CGFloat checkboxHeight = 16;
@@ -58,7 +57,7 @@ Ref<Button> Button::checkboxWithTitle(String* title, id target, SEL action) {
 
 CGSize Button::intrinsicContentSize() const {
   const double text = std::ceil(textWidth(unitsOf(title.get()), face()));
-  if (isCheckbox()) return {text + checkboxExtra, checkboxHeight};
+  if (isCheckbox()) return {Button::checkboxToTitle + text, checkboxHeight};
   return bezelStyle == inlineBezel ? CGSize{text + inlineExtra, inlineHeight} : CGSize{text + pushExtra, pushHeight};
 }
 

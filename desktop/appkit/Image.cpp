@@ -4,7 +4,7 @@ namespace desktop {
 namespace {
 
 bool isImage(std::string_view bytes) {
-  return bytes.substr(0, 8) == "\x89PNG\r\n\x1a\n" || bytes.substr(0, 4) == "icns";
+  return isPng(bytes) || bytes.starts_with("icns");
 }
 
 Ref<String> iconName() {

@@ -6,6 +6,10 @@
 
 namespace desktop {
 
+inline bool isPng(std::string_view bytes) {
+  return bytes.starts_with("\x89PNG\r\n\x1a\n");
+}
+
 struct Image : Object {
   /// The file as it is: PNG or icns. Empty for the picture of an application that has no icon of its own.
   std::string bytes;

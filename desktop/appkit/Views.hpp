@@ -122,6 +122,8 @@ struct TextField : Control {
 struct Button : Control {
   static constexpr NSUInteger switchType = 3;
   static constexpr NSUInteger inlineBezel = 15;
+  /// From a checkbox's edge to its title: the square and a gap, in points.
+  static constexpr CGFloat checkboxToTitle = 20;
 
   Ref<String> title;
   Ref<Image> image;

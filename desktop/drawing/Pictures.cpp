@@ -10,14 +10,10 @@ std::size_t bigEndian(std::string_view bytes, std::size_t at) {
   return number;
 }
 
-bool isPng(std::string_view bytes) {
-  constexpr std::size_t throughWidth = 20;
-  return bytes.size() >= throughWidth && bytes.starts_with("\x89PNG\r\n\x1a\n");
-}
-
-/// Its width; 0 for none.
+/// Its width; 0 for none, and for one that ends before it.
 double pixelsOf(std::string_view png) {
-  return png.empty() ? 0 : static_cast<double>(bigEndian(png, 16));
+  constexpr std::size_t width = 16;
+  return png.size() < width + 4 ? 0 : static_cast<double>(bigEndian(png, width));
 }
 
 /// Of the pictures in an icon file the smallest that is large enough, else the largest; empty when there is none.

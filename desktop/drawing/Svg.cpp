@@ -1,7 +1,6 @@
 #include "desktop/drawing/Svg.hpp"
 
 #include "desktop/drawing/Style.hpp"
-#include "desktop/foundation/Text.hpp"
 #include "desktop/foundation/XmlScalars.hpp"
 
 #include <cmath>
@@ -39,22 +38,6 @@ std::string svgNumber(double number) {
   // Adding nothing makes a zero of a negative one.
   std::snprintf(text, sizeof text, "%.10g", std::round(number * 100) / 100 + 0.0);
   return text;
-}
-
-std::string svgText(std::u16string_view text) {
-  std::u16string written;
-  for (const char16_t unit : text) {
-    if (unit == u'&') {
-      written += u"&amp;";
-    } else if (unit == u'<') {
-      written += u"&lt;";
-    } else if (unit == u'>') {
-      written += u"&gt;";
-    } else {
-      written += unit < u' ' || unit >= 0xFFFE ? u'\xFFFD' : unit;
-    }
-  }
-  return utf8(written);
 }
 
 CGRect insetBy(CGRect rect, double distance) {
@@ -98,7 +81,8 @@ void Svg::text(std::u16string_view text, CGPoint start, Typeface face, std::stri
   const double baseline = start.y + 0.35 * face.size;
   code += "<text" + attribute("x", start.x) + attribute("y", baseline) + attribute("font-size", face.size) +
           (face.bold ? attribute("font-weight", "700") : "") + attribute("textLength", textWidth(text, face)) +
-          " lengthAdjust=\"spacingAndGlyphs\"" + attribute("class", classes) + '>' + svgText(text) + "</text>\n";
+          " lengthAdjust=\"spacingAndGlyphs\"" + attribute("class", classes) + '>' + xmlScalars::escaped(text) +
+          "</text>\n";
 }
 
 void Svg::centredText(std::u16string_view line, CGPoint middle, Typeface face, std::string_view classes) {

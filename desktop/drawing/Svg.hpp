@@ -14,8 +14,6 @@ namespace desktop {
 
 /// Short, and the same everywhere: two decimals at most.
 std::string svgNumber(double number);
-/// The text within an XML element; what XML cannot hold becomes U+FFFD.
-std::string svgText(std::u16string_view text);
 
 CGRect insetBy(CGRect rect, double distance);
 double middleX(CGRect rect);

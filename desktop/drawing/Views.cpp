@@ -54,7 +54,6 @@ void drawLabel(Svg& svg, const TextField& label, CGRect frame) {
 
 void drawCheckbox(Svg& svg, const Button& button, CGRect frame) {
   constexpr double side = 14;
-  constexpr double toTitle = 20;
   const CGRect square{{frame.origin.x, middleY(frame) - side / 2}, {side, side}};
   if (button.isOn()) {
     svg.rectangle(square, 3.5, "accent");
@@ -63,8 +62,8 @@ void drawCheckbox(Svg& svg, const Button& button, CGRect frame) {
     svg.rectangle(square, 3.5, "checkBox");
     svg.rectangle(insetBy(square, 0.5), 3, "line controlEdge");
   }
-  frame.origin.x += toTitle;
-  frame.size.width -= toTitle;
+  frame.origin.x += Button::checkboxToTitle;
+  frame.size.width -= Button::checkboxToTitle;
   drawLine(svg, unitsOf(button.title.get()), frame, button.face(), classOf(button.tint));
 }
 

@@ -1,5 +1,4 @@
 #include "desktop/foundation/PropertyList.hpp"
-#include "desktop/foundation/Text.hpp"
 #include "desktop/foundation/XmlScalars.hpp"
 
 #include <algorithm>
@@ -9,37 +8,6 @@ namespace desktop {
 namespace {
 
 using namespace xmlScalars;
-
-bool fitsXml(char32_t character) {
-  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
-  return !isSurrogate(character) && character != 0xFFFE && character != 0xFFFF;
-}
-
-bool fitsXml(std::u16string_view text) {
-  for (std::size_t at = 0; at < text.size();) {
-    if (!fitsXml(nextPoint(text, at))) return false;
-  }
-  return true;
-}
-
-std::string escaped(std::u16string_view text) {
-  std::u16string out;
-  for (std::size_t at = 0; at < text.size();) {
-    const char32_t character = nextPoint(text, at);
-    if (character == '&') {
-      out += u"&amp;";
-    } else if (character == '<') {
-      out += u"&lt;";
-    } else if (character == '>') {
-      out += u"&gt;";
-    } else if (character == '\r') {
-      out += u"&#13;"; // a bare one is a line break to an XML reader and comes back as \n
-    } else {
-      append(out, fitsXml(character) ? character : 0xFFFD);
-    }
-  }
-  return utf8(out);
-}
 
 /// Visits a value and writes it, each element on its own line, indented by tabs.
 class XmlWriter {

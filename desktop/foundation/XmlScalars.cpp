@@ -1,5 +1,7 @@
 #include "desktop/foundation/XmlScalars.hpp"
 
+#include "desktop/foundation/Text.hpp"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -18,7 +20,38 @@ constexpr double endOfDates = duration<double>(sys_days(10000y / January / 1) - 
 
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
+bool fitsXml(char32_t character) {
+  if (character < 0x20) return character == '\t' || character == '\n' || character == '\r';
+  return !isSurrogate(character) && character != 0xFFFE && character != 0xFFFF;
+}
+
 } // namespace
+
+bool fitsXml(std::u16string_view text) {
+  for (std::size_t at = 0; at < text.size();) {
+    if (!fitsXml(nextPoint(text, at))) return false;
+  }
+  return true;
+}
+
+std::string escaped(std::u16string_view text) {
+  std::u16string out;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t character = nextPoint(text, at);
+    if (character == '&') {
+      out += u"&amp;";
+    } else if (character == '<') {
+      out += u"&lt;";
+    } else if (character == '>') {
+      out += u"&gt;";
+    } else if (character == '\r') {
+      out += u"&#13;"; // a bare one is a line break to an XML reader and comes back as \n
+    } else {
+      append(out, fitsXml(character) ? character : 0xFFFD);
+    }
+  }
+  return utf8(out);
+}
 
 std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(whitespace);

@@ -8,12 +8,17 @@
 #include <string>
 #include <string_view>
 
-/// How numbers, dates and data are spelt within the elements of an XML property list. Readers ignore whitespace around
-/// the text and answer nothing when it is something else.
+/// How texts, numbers, dates and data are spelt within the elements of XML, as property lists do it. Readers ignore
+/// whitespace around the text and answer nothing when it is something else.
 namespace desktop::xmlScalars {
 
 inline constexpr std::string_view whitespace = " \t\r\n";
 std::string_view trimmed(std::string_view text);
+
+/// Whether XML can hold every character.
+bool fitsXml(std::u16string_view text);
+/// With markup and carriage returns escaped; what XML cannot hold becomes U+FFFD.
+std::string escaped(std::u16string_view text);
 
 /// Nothing but digits, in the given base, and not too many.
 template <typename Number> std::optional<Number> wholeNumber(std::string_view digits, int base) {
