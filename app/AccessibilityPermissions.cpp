@@ -8,7 +8,7 @@ namespace tarnwick {
 using namespace platform;
 
 bool AccessibilityPermissions::ensure() {
-  const auto prompt = NSString::sharing(kAXTrustedCheckOptionPrompt);
+  const auto prompt = sharing(kAXTrustedCheckOptionPrompt);
   const auto options = NSDictionary::dictionaryWithObjectForKey(NSNumber::numberWithBool(YES), prompt);
   return AXIsProcessTrustedWithOptions(options.asCFDictionary()) != 0;
 }

@@ -97,7 +97,7 @@ void AppDelegate::setupMenu() {
 }
 
 void AppDelegate::setupUpdater() {
-  const auto bundle = NSBundle::mainBundle();
+  const NSBundle bundle = NSBundle::mainBundle();
   if (isConfiguredForUpdates(bundle)) updaterController = startUpdater(bundle);
   if (!updaterController) return;
   checkForUpdatesItem.setTarget(updaterController.object());

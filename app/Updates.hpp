@@ -10,7 +10,7 @@ namespace tarnwick {
 bool isConfiguredForUpdates(const platform::NSBundle& bundle);
 
 /// Loads the update framework from the bundle's Frameworks folder and starts its updater. Empty when there is no such
-/// framework, or when it is not the one that is known here.
+/// framework, or when its code has no such updater.
 platform::SPUStandardUpdaterController startUpdater(const platform::NSBundle& bundle);
 
 } // namespace tarnwick

@@ -27,8 +27,6 @@ public:
     if (made == nullptr) made = new NSString(utf8(text.text));
     return *made;
   }
-  /// The same object under its Objective-C name.
-  static NSString sharing(CFStringRef string) { return {share, reinterpret_cast<id>(const_cast<__CFString*>(string))}; }
   /// The same object under its CoreFoundation name; still owned by this value.
   [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
 
@@ -126,12 +124,13 @@ public:
 class NSBundle : public NSObject {
 public:
   using NSObject::NSObject;
-  static NSBundle mainBundle() { return send<"mainBundle", NSBundle>(theClass<"NSBundle">); }
+  /// It lives as long as the process.
+  static Lent<NSBundle> mainBundle() { return send<"mainBundle", Lent<NSBundle>>(theClass<"NSBundle">); }
   /// Empty when there is no folder at that place.
   static NSBundle withURL(const NSURL& url) { return make<"NSBundle", "initWithURL:", NSBundle>(url); }
 
   /// Empty when the bundle names none.
-  [[nodiscard]] Lent<NSString> bundleIdentifier() const { return send<"bundleIdentifier", Lent<NSString>>(*this); }
+  [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }
   [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
     return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
   }

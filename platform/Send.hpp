@@ -1,4 +1,4 @@
-/// Typed messages, and the owning value that all of the platform's objects are held in.
+/// Typed messages, and the values that the platform's objects are held in: owning ones, and for the key path lent ones.
 #pragma once
 
 #include "platform/Encoding.hpp"
@@ -45,19 +45,21 @@ private:
   id held = nullptr;
 };
 
-/// A message's result that is used without a reference of one's own, for the key path's sake. It lives until the
-/// autorelease pool around it ends, so it is no member of anything; a copy of it as `Type` lives on.
-template <std::derived_from<NSObject> Type> class Lent : public Type {
+template <class Type>
+concept Wrapper = std::derived_from<Type, NSObject>;
+
+/// A message's result that is used without a reference of one's own, for the key path's sake. It is valid as long as
+/// both its receiver and the autorelease pool around it; what is to outlast them is copied into a `Type`.
+template <class Type> class Lent : public Type {
 public:
   Lent() = default;
   explicit Lent(id lent) : Type(adopt, lent) {}
   Lent(const Lent&) = delete;
   Lent& operator=(const Lent&) = delete;
-  ~Lent() { static_cast<void>(this->detach()); }
-};
+  ~Lent() { static_cast<void>(Type::detach()); }
 
-template <class Type>
-concept Wrapper = std::derived_from<Type, NSObject>;
+  id detach() = delete;
+};
 
 template <Name name> SEL selectorNamed() {
   // Not a guarded static: registering twice is harmless, and the key path stays short.
@@ -90,9 +92,7 @@ template <Wrapper Type> struct Form<Type> {
   static id out(const Type& value) { return value.object(); }
   static Type in(id value) { return Type(share, value); }
 };
-template <class Type> struct Form<Lent<Type>> {
-  using Sent = id;
-  static id out(const Lent<Type>& value) { return value.object(); }
+template <class Type> struct Form<Lent<Type>> : Form<Type> {
   static Lent<Type> in(id value) { return Lent<Type>(value); }
 };
 template <Name name> struct Form<ClassNamed<name>> {
@@ -157,7 +157,8 @@ Result call(id receiver, Arguments... arguments) {
 
 } // namespace wire
 
-/// Sends a message. A wrapper as result shares the object that comes back; `Result` is void unless named.
+/// Sends a message. A wrapper as result shares the object that comes back, unless it is `Lent`; `Result` is void unless
+/// named.
 /// A message to nothing answers zero without a call.
 template <Name selector, class Result = void, class Receiver, class... Arguments>
 Result send(const Receiver& receiver, const Arguments&... arguments) {

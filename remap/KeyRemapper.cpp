@@ -89,7 +89,7 @@ bool KeyRemapper::isMapped(std::int64_t commandKeyCode) const {
     return mapItalic;
   case kVK_ANSI_N:
     return mapNewFile;
-  default:
+  default: // C, V, X, A, Z
     return mapClipboard;
   }
 }

@@ -85,6 +85,7 @@ private:
   std::optional<Outcome> translateFinderDelete(CGEventType type, Key key);
   [[nodiscard]] std::optional<Outcome> translateFinderRename(Key key) const;
   [[nodiscard]] Outcome translateControl(Key key) const;
+  /// The switch of one of `commandKeyCodes`.
   [[nodiscard]] bool isMapped(std::int64_t commandKeyCode) const;
   [[nodiscard]] static bool hasPrimaryModifier(Key key) { return (key.flags & primaryModifierFlags) != 0; }
 

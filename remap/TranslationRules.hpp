@@ -75,11 +75,9 @@ constexpr Key redo(Key key) {
   return {kVK_ANSI_Z, withoutControl(key.flags, kCGEventFlagMaskCommand | kCGEventFlagMaskShift)};
 }
 
-/// Without the fn bit that a function key carries, and then without the modifiers beside it.
+/// Without the fn bit that a function key carries.
 constexpr CGEventFlags withoutFunction(CGEventFlags flags) {
-  constexpr CGEventFlags cleared = kCGEventFlagMaskSecondaryFn | kCGEventFlagMaskCommand | kCGEventFlagMaskAlternate |
-                                   kCGEventFlagMaskControl | kCGEventFlagMaskShift;
-  return (flags & kCGEventFlagMaskSecondaryFn) != 0 ? flags & ~cleared : flags;
+  return flags & ~CGEventFlags{kCGEventFlagMaskSecondaryFn};
 }
 
 /// Forward Delete becomes the Finder's Command-Delete.
