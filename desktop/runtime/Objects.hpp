@@ -4,7 +4,6 @@
 
 #include "platform/Runtime.hpp"
 
-#include <array>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -24,14 +23,6 @@ struct objc_object {
 
 /// A class, or (as the `isa` of one) the holder of its class methods.
 struct objc_class : objc_object {
-  /// A checked look-up: this selector, called with the encoding at this address, ends at this method.
-  struct CacheEntry {
-    SEL selector = nullptr;
-    const char* encoding = nullptr;
-    IMP implementation = nullptr;
-  };
-  std::array<CacheEntry, 64> cache{};
-
   std::string name;
   Class superclass = nullptr;
   bool isMeta = false;
@@ -47,6 +38,8 @@ struct objc_class : objc_object {
   /// It or a class derived from it has been sent a message: what was looked up is remembered, so no method may be
   /// added.
   bool isUsed = false;
+  /// The method `dealloc` of its instances, found when the first of them goes.
+  void (*dealloc)(id, SEL) = nullptr;
   /// How many instances are alive.
   long live = 0;
 };
@@ -63,9 +56,9 @@ struct Object : objc_object {
   Object& operator=(const Object&) = delete;
 };
 
-/// Looks the method up, checks it and fills `entry`; stops the program with a sentence unless `receiver` has a method
-/// `selector` of exactly this encoding.
-IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector, const char* encoding);
+/// The method that a message ends in. The search starts at `start`, or at the receiver's class when that is null; stops
+/// the program with a sentence unless it finds a method `selector` of exactly this encoding.
+[[gnu::cold]] IMP methodFor(id receiver, Class start, SEL selector, const char* encoding);
 
 /// One message of the sources: whom it went to last, and the method checked for that class.
 struct CallSite {
@@ -74,17 +67,6 @@ struct CallSite {
   IMP method = nullptr;
 };
 [[gnu::cold]] CallSite resolved(id receiver, const char* selector, const char* encoding);
-
-/// The method that a message ends in. The search starts at `start`, or at the receiver's class when that is null.
-inline IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
-  // A released instance is found out by its class; a message to its superclass has to look.
-  // NOLINTNEXTLINE(clang-analyzer-core.NullDereference): a message to nothing is not sent at all
-  const Class cls = start != nullptr && !receiver->isa->isReleased ? start : receiver->isa;
-  auto& entry = cls->cache[(reinterpret_cast<std::uintptr_t>(selector) >> 4) % cls->cache.size()];
-  if (entry.selector == selector && entry.encoding == encoding) [[likely]]
-    return entry.implementation;
-  return remember(entry, receiver, cls, selector, encoding);
-}
 
 [[noreturn, gnu::cold]] void stopAsReleased(const Object* object, const char* what);
 /// The last reference is gone.

@@ -84,18 +84,10 @@ void addRootMethod(Class to, const char* selector, Result (*function)(id, SEL, A
                   platform::methodEncoding<Result, Arguments...>.text);
 }
 
-/// Finds the method, or stops the program with what is wrong with the call.
-IMP checkedMethod(id receiver, Class cls, SEL selector, const char* encoding) {
-  const std::string name = std::string("'") + selectorText(selector) + "'";
-  if (receiver->isa->isReleased) stop("message " + name + " to a released " + receiver->isa->name);
-  const Method* const method = findMethod(cls, selector);
-  if (method == nullptr)
-    stop(describeReceiver(receiver) + " has no method " + name + " (called as " + std::string(encoding) + ")");
-  if (method->encoding != encoding) {
-    stop(name + " of " + describeReceiver(receiver) + " has the type " + method->encoding + " but was called as " +
-         encoding);
-  }
-  return method->implementation;
+/// The class of an object that is used otherwise than by a message; stops the program when it has been released.
+Class livingClass(const objc_object* object) {
+  if (object->isa->isReleased) stop("a released " + object->isa->name + " was used");
+  return object->isa;
 }
 
 } // namespace
@@ -107,7 +99,7 @@ void stop(const std::string& sentence) {
 }
 
 bool isKindOf(const objc_object* object, Class cls) {
-  for (Class each = object->isa; each != nullptr; each = each->superclass) {
+  for (Class each = livingClass(object); each != nullptr; each = each->superclass) {
     if (each == cls) return true;
   }
   return false;
@@ -118,21 +110,30 @@ void checkKind(const objc_object* object, Class wanted) {
 }
 
 bool respondsTo(id object, const char* selector) {
-  return findMethod(object->isa, sel_registerName(selector)) != nullptr;
+  return findMethod(livingClass(object), sel_registerName(selector)) != nullptr;
 }
 
 bool conformsTo(id object, const std::string& protocol) {
-  for (Class each = object->isa; each != nullptr; each = each->superclass) {
+  for (Class each = livingClass(object); each != nullptr; each = each->superclass) {
     if (each->protocols.count(protocol) != 0) return true;
   }
   return false;
 }
 
-IMP remember(objc_class::CacheEntry& entry, id receiver, Class cls, SEL selector, const char* encoding) {
-  entry = {selector, encoding, checkedMethod(receiver, cls, selector, encoding)};
-  for (Class each = cls; each != nullptr; each = each->superclass)
+IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
+  const auto name = [&] { return std::string("'") + selectorText(selector) + "'"; };
+  if (receiver->isa->isReleased) stop("message " + name() + " to a released " + receiver->isa->name);
+  const Class cls = start != nullptr ? start : receiver->isa;
+  const Method* const method = findMethod(cls, selector);
+  if (method == nullptr)
+    stop(describeReceiver(receiver) + " has no method " + name() + " (called as " + std::string(encoding) + ")");
+  if (method->encoding != encoding) {
+    stop(name() + " of " + describeReceiver(receiver) + " has the type " + method->encoding + " but was called as " +
+         encoding);
+  }
+  for (Class each = cls; each != nullptr && !each->isUsed; each = each->superclass)
     each->isUsed = true;
-  return entry.implementation;
+  return method->implementation;
 }
 
 CallSite resolved(id receiver, const char* selector, const char* encoding) {
@@ -147,7 +148,12 @@ void stopAsReleased(const Object* object, const char* what) {
 void endLife(Object* object) {
   if (object->references < 0) stopAsReleased(object, "released again");
   static const SEL selector = sel_registerName("dealloc");
-  perform<void>(object, selector);
+  const Class cls = object->isa;
+  if (cls->dealloc == nullptr) {
+    const IMP method = methodFor(object, nullptr, selector, platform::methodEncoding<void>.text);
+    cls->dealloc = reinterpret_cast<void (*)(id, SEL)>(method);
+  }
+  cls->dealloc(object, selector);
 }
 
 id autorelease(id object) {

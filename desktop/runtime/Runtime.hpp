@@ -97,6 +97,15 @@ template <class Type> Type* as(id object) {
   return static_cast<Type*>(object);
 }
 
+/// What the platform's C interface calls by an opaque pointer.
+template <class Type> Type* objectBehind(const void* reference) {
+  return as<Type>(static_cast<id>(const_cast<void*>(reference)));
+}
+/// The pointer by which the C interface calls the object. Without `detach` it owns nothing.
+template <class Reference> Reference referenceTo(Object* object) {
+  return reinterpret_cast<Reference>(static_cast<id>(object));
+}
+
 /// `object` when it is of this class, else null.
 template <class Type> Type* ifIs(id object) {
   return object != nullptr && isKindOf(object, nativeClass<Type>) ? static_cast<Type*>(object) : nullptr;

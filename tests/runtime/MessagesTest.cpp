@@ -52,6 +52,9 @@ TEST(MessagesDeathTest, StopTheProgramWhenTheyAreWrong) {
        },
        "NSString was given a method after it had been sent messages"},
       {"a released object kept", [] { objc_retain(releasedString()); }, "a released NSString was retained"},
+      {"a released object as argument",
+       [] { send<"stringByAppendingString:", NSString>(NSString::utf8("text"), Lent<NSString>(releasedString())); },
+       "a released NSString was used"},
       {"one release too many", [] { objc_release(releasedString()); }, "a released NSString was released again"},
   };
   for (const auto& [what, mistake, sentence] : mistakes) {
