@@ -4,23 +4,16 @@
 #include <algorithm>
 
 namespace desktop {
-namespace {
-
-Desktop& machine() {
-  return Desktop::current();
-}
-
-} // namespace
 
 Ref<Screen> Screen::mainScreen() {
-  if (!machine().screen) return nullptr;
+  if (!Desktop::current().screen) return nullptr;
   auto screen = create<Screen>();
-  screen->itsVisibleFrame = {{0, 0}, *machine().screen};
+  screen->itsVisibleFrame = {{0, 0}, *Desktop::current().screen};
   return screen;
 }
 
 Window::~Window() {
-  if (AppKit* const appKit = machine().appKit.get()) std::erase(appKit->windows, this);
+  if (AppKit* const appKit = Desktop::current().appKit.get()) std::erase(appKit->windows, this);
 }
 
 Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger /*backing*/, BOOL /*defer*/) {
@@ -56,23 +49,23 @@ void Window::layOut() {
 }
 
 void Window::center() {
-  if (!machine().screen) return;
+  if (!Desktop::current().screen) return;
   // A third of what is left goes above the window, as on the platform.
-  frame.origin = {(machine().screen->width - frame.size.width) / 2,
-                  (machine().screen->height - frame.size.height) * 2 / 3};
+  frame.origin = {(Desktop::current().screen->width - frame.size.width) / 2,
+                  (Desktop::current().screen->height - frame.size.height) * 2 / 3};
 }
 
 void Window::makeKeyAndOrderFront(id /*sender*/) {
-  auto& windows = machine().appKit->windows;
+  auto& windows = Desktop::current().appKit->windows;
   std::erase(windows, this);
   windows.push_back(this);
   layOut();
   const CGSize size = contentSize();
-  machine().journal({"window", textOf(title.get()), factSize(size.width), factSize(size.height)});
+  Desktop::current().journal({"window", textOf(title.get()), factSize(size.width), factSize(size.height)});
 }
 
 bool Window::isVisible() const {
-  const auto& windows = machine().appKit->windows;
+  const auto& windows = Desktop::current().appKit->windows;
   return std::find(windows.begin(), windows.end(), this) != windows.end();
 }
 
@@ -87,7 +80,7 @@ bool Window::resize(CGSize size) {
 }
 
 void Window::close() {
-  std::erase(machine().appKit->windows, this);
+  std::erase(Desktop::current().appKit->windows, this);
   if (releasedWhenClosed) release(this);
 }
 

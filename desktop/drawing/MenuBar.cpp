@@ -147,20 +147,6 @@ void drawApplicationMenus(Svg& svg, const std::string& application, double room)
 
 } // namespace
 
-void drawWallpaper(Svg& svg, CGSize page) {
-  const CGRect whole{{0, 0}, page};
-  svg.rectangle(whole, 0, "sky");
-  const auto wave = [&](double left, double right) {
-    const auto at = [&](double x, double y) { return svgNumber(x * page.width) + ' ' + svgNumber(y * page.height); };
-    svg.path({0, 0},
-             "M" + at(0, left) + "C" + at(0.3, left - 0.2) + ' ' + at(0.6, right + 0.2) + ' ' + at(1, right) + "L" +
-                 at(1, 1) + "L" + at(0, 1) + "Z",
-             "hill");
-  };
-  wave(0.78, 0.62);
-  wave(0.9, 0.82);
-}
-
 void drawMenuBar(Svg& svg, const Desktop& desktop, double width, const MenuBarState& state) {
   svg.rectangle({{0, 0}, {width, menuBarHeight}}, 0, "menuBar");
   const double free = drawRightHalf(svg, desktop, width, state.menuIsOpen);

@@ -24,7 +24,6 @@ void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive);
 void drawAlert(Svg& svg, const Alert& alert, CGRect screen);
 void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen);
 
-void drawWallpaper(Svg& svg, CGSize page);
 /// Over the whole width of the page.
 void drawMenuBar(Svg& svg, const Desktop& desktop, double width, const MenuBarState& state);
 

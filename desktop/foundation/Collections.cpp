@@ -3,13 +3,19 @@
 namespace desktop {
 namespace {
 
+template <class Type> Ref<Type> holding(const PropertyList& value) {
+  auto made = create<Type>();
+  made->value = value;
+  return made;
+}
+
 struct ObjectMaker {
   Ref<Object> operator()(const std::u16string& text) const { return string(text); }
-  Ref<Object> operator()(bool value) const { return number(value); }
-  Ref<Object> operator()(std::int64_t value) const { return number(value); }
-  Ref<Object> operator()(double value) const { return number(value); }
-  Ref<Object> operator()(const PropertyList::Data& value) const { return data(value); }
-  Ref<Object> operator()(PropertyList::Date value) const { return data(value); }
+  Ref<Object> operator()(bool value) const { return holding<Number>(value); }
+  Ref<Object> operator()(std::int64_t value) const { return holding<Number>(value); }
+  Ref<Object> operator()(double value) const { return holding<Number>(value); }
+  Ref<Object> operator()(const PropertyList::Data& value) const { return holding<Data>(value); }
+  Ref<Object> operator()(PropertyList::Date value) const { return holding<Data>(value); }
   Ref<Object> operator()(const PropertyList::Array& values) const {
     auto array = create<Array>();
     for (const PropertyList& value : values)
@@ -22,24 +28,10 @@ struct ObjectMaker {
       dictionary->entries[key] = objectOf(value);
     return dictionary;
   }
-
-private:
-  static Ref<Object> number(PropertyList value) {
-    auto made = create<Number>();
-    made->value = std::move(value);
-    return made;
-  }
-  static Ref<Object> data(PropertyList value) {
-    auto made = create<Data>();
-    made->value = std::move(value);
-    return made;
-  }
 };
 
 Ref<Number> numberWithBool(BOOL value) {
-  auto made = create<Number>();
-  made->value = PropertyList(value);
-  return made;
+  return holding<Number>(value);
 }
 
 Ref<Dictionary> dictionaryWithObjectForKey(Object* object, String* key) {

@@ -51,8 +51,8 @@ extern "C" {
 
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
   Desktop& desktop = Desktop::current();
-  const auto* entries = as<Dictionary>(reinterpret_cast<id>(const_cast<__CFDictionary*>(options)));
-  const auto* key = as<String>(reinterpret_cast<id>(const_cast<__CFString*>(kAXTrustedCheckOptionPrompt)));
+  const auto* entries = objectBehind<Dictionary>(options);
+  const auto* key = objectBehind<String>(kAXTrustedCheckOptionPrompt);
   const auto found = entries->entries.find(key->text);
   const bool mayPrompt =
       found != entries->entries.end() && as<Number>(found->second.get())->value == PropertyList(true);
@@ -63,7 +63,7 @@ Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
 AXUIElementRef AXUIElementCreateSystemWide() {
   auto element = create<AccessibilityElement>();
   element->isSystemWide = true;
-  return reinterpret_cast<AXUIElementRef>(static_cast<id>(element.detach()));
+  return referenceTo<AXUIElementRef>(element.detach());
 }
 
 CFTypeID AXUIElementGetTypeID() {
@@ -72,8 +72,8 @@ CFTypeID AXUIElementGetTypeID() {
 
 AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef attribute, CFTypeRef* value) {
   Desktop& desktop = Desktop::current();
-  const auto* element = as<AccessibilityElement>(reinterpret_cast<id>(const_cast<__AXUIElement*>(reference)));
-  const std::string name = textOf(as<String>(reinterpret_cast<id>(const_cast<__CFString*>(attribute))));
+  const auto* element = objectBehind<AccessibilityElement>(reference);
+  const std::string name = textOf(objectBehind<String>(attribute));
   const bool asksFocus = element->isSystemWide && name == "AXFocusedUIElement";
   const bool asksRole = !element->isSystemWide && name == "AXRole";
   if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;

@@ -9,11 +9,7 @@ namespace {
 /// A constant of the platform: there before the program begins, never released.
 CFStringRef constant(std::u16string_view text) {
   registerClasses();
-  return reinterpret_cast<CFStringRef>(static_cast<id>(string(text).detach()));
-}
-
-Object* objectOf(CFTypeRef reference) {
-  return static_cast<Object*>(static_cast<id>(const_cast<void*>(reference)));
+  return referenceTo<CFStringRef>(string(text).detach());
 }
 
 } // namespace
@@ -25,19 +21,19 @@ const CFRunLoopMode kCFRunLoopCommonModes = constant(u"kCFRunLoopCommonModes");
 const CFStringRef kAXTrustedCheckOptionPrompt = constant(u"AXTrustedCheckOptionPrompt");
 
 CFTypeRef CFRetain(CFTypeRef object) {
-  return static_cast<id>(retain(::objectOf(object)));
+  return static_cast<id>(retain(objectBehind<Object>(object)));
 }
 void CFRelease(CFTypeRef object) {
-  release(::objectOf(object));
+  release(objectBehind<Object>(object));
 }
 Boolean CFEqual(CFTypeRef one, CFTypeRef other) {
-  return one == other || as<String>(::objectOf(one))->isEqualToString(as<String>(::objectOf(other)));
+  return one == other || objectBehind<String>(one)->isEqualToString(objectBehind<String>(other));
 }
 CFHashCode CFHash(CFTypeRef object) {
-  return as<String>(::objectOf(object))->hash();
+  return objectBehind<String>(object)->hash();
 }
 /// Classes are the type identifiers here.
 CFTypeID CFGetTypeID(CFTypeRef object) {
-  return reinterpret_cast<CFTypeID>(::objectOf(object)->isa);
+  return reinterpret_cast<CFTypeID>(objectBehind<Object>(object)->isa);
 }
 }

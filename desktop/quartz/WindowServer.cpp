@@ -9,19 +9,6 @@ bool wants(const EventTap& tap, const Event& event) {
   return tap.listens() && (tap.mask & (CGEventMask{1} << event.type)) != 0;
 }
 
-CGEventRef refOf(Event* event) {
-  return reinterpret_cast<CGEventRef>(static_cast<id>(event));
-}
-Event* eventOf(CGEventRef event) {
-  return as<Event>(reinterpret_cast<id>(event));
-}
-EventTap* tapOf(CFMachPortRef port) {
-  return as<EventTap>(reinterpret_cast<id>(port));
-}
-RunLoopSource* sourceOf(CFRunLoopSourceRef source) {
-  return as<RunLoopSource>(reinterpret_cast<id>(source));
-}
-
 /// Name, direction and numbers of an event, as facts tell it.
 Fact factOf(std::initializer_list<std::string> start, const Event& event) {
   Fact fact(start);
@@ -64,7 +51,7 @@ void WindowServer::forgetProgram() {
 Event* WindowServer::throughTaps(Event* event) {
   for (EventTap* tap : taps) {
     if (!wants(*tap, *event)) continue;
-    event = eventOf(tap->callback(nullptr, event->type, refOf(event), tap->userInfo));
+    event = objectBehind<Event>(tap->callback(nullptr, event->type, referenceTo<CGEventRef>(event), tap->userInfo));
     if (event == nullptr) return nullptr;
   }
   return event;
@@ -102,7 +89,7 @@ bool WindowServer::disableTaps(CGEventType notification) {
     any = true;
     tap->enabled = false;
     const auto event = makeEvent(notification, 0, 0);
-    tap->callback(nullptr, notification, refOf(event.get()), tap->userInfo);
+    tap->callback(nullptr, notification, referenceTo<CGEventRef>(event.get()), tap->userInfo);
   }
   return any;
 }
@@ -131,20 +118,20 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
   tap->callback = callback;
   tap->userInfo = userInfo;
   desktop.server.add(tap.get(), placement);
-  return reinterpret_cast<CFMachPortRef>(static_cast<id>(tap.detach()));
+  return referenceTo<CFMachPortRef>(tap.detach());
 }
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable) {
-  if (enable && !tapOf(tap)->scheduled) stop("a tap is enabled once it is on a run loop");
-  tapOf(tap)->enabled = enable;
-  tapOf(tap)->asked = enable;
+  if (enable && !objectBehind<EventTap>(tap)->scheduled) stop("a tap is enabled once it is on a run loop");
+  objectBehind<EventTap>(tap)->enabled = enable;
+  objectBehind<EventTap>(tap)->asked = enable;
 }
 
 CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
   if (Desktop::current().faults.runLoopSource) return nullptr;
   auto source = create<RunLoopSource>();
-  source->tap = shared(tapOf(port));
-  return reinterpret_cast<CFRunLoopSourceRef>(static_cast<id>(source.detach()));
+  source->tap = shared(objectBehind<EventTap>(port));
+  return referenceTo<CFRunLoopSourceRef>(source.detach());
 }
 
 CFRunLoopRef CFRunLoopGetCurrent() {
@@ -154,39 +141,39 @@ CFRunLoopRef CFRunLoopGetCurrent() {
 
 void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode mode) {
   if (mode != kCFRunLoopCommonModes) stop("a source outside of the common modes would miss events under an alert");
-  sourceOf(source)->tap->scheduled = shared(sourceOf(source));
+  objectBehind<RunLoopSource>(source)->tap->scheduled = shared(objectBehind<RunLoopSource>(source));
 }
 
 void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode) {
-  sourceOf(source)->tap->scheduled = nullptr;
+  objectBehind<RunLoopSource>(source)->tap->scheduled = nullptr;
 }
 
 CGEventFlags CGEventGetFlags(CGEventRef event) {
-  return eventOf(event)->flags;
+  return objectBehind<Event>(event)->flags;
 }
 void CGEventSetFlags(CGEventRef event, CGEventFlags flags) {
-  eventOf(event)->flags = flags;
+  objectBehind<Event>(event)->flags = flags;
 }
 
 std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
   if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
-  return eventOf(event)->code;
+  return objectBehind<Event>(event)->code;
 }
 
 void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, std::int64_t value) {
   if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
-  eventOf(event)->code = value;
+  objectBehind<Event>(event)->code = value;
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode virtualKey, bool keyDown) {
   const Desktop& desktop = Desktop::current();
   if (keyDown ? desktop.faults.keyDownEvent : desktop.faults.keyUpEvent) return nullptr;
   auto event = makeEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp, virtualKey, desktop.server.heldFlags);
-  return refOf(event.detach());
+  return referenceTo<CGEventRef>(event.detach());
 }
 
 void CGEventPost(CGEventTapLocation location, CGEventRef event) {
   if (location != kCGHIDEventTap) stop("events are posted at the HID level (0) only");
-  Desktop::current().server.post(shared(eventOf(event)));
+  Desktop::current().server.post(shared(objectBehind<Event>(event)));
 }
 }
