@@ -62,7 +62,7 @@ constexpr Typed shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
 void event(benchmark::State& state, Typed typed, const char* application, bool exempt) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
-  desktop.openBundle(TARNWICK_BUNDLE);
+  desktop.mainBundle->open(TARNWICK_BUNDLE);
   desktop.frontmost = shared(desktop.named(application));
   desktop.defaults->file->set(u"exemptBundleIDs", exemptions(state.range(0), exempt));
   const auto remapper = std::make_shared<tarnwick::KeyRemapper>();

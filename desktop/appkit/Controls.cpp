@@ -57,7 +57,7 @@ Ref<Button> Button::checkboxWithTitle(String* title, id target, SEL action) {
 
 CGSize Button::intrinsicContentSize() const {
   const double text = std::ceil(textWidth(unitsOf(title.get()), face()));
-  if (isCheckbox()) return {Button::checkboxToTitle + text, checkboxHeight};
+  if (isCheckbox()) return {text + Button::checkboxTitleInset, checkboxHeight};
   return bezelStyle == inlineBezel ? CGSize{text + inlineExtra, inlineHeight} : CGSize{text + pushExtra, pushHeight};
 }
 

@@ -36,7 +36,7 @@ int advanceOf(char16_t unit) {
 } // namespace
 
 double textWidth(std::u16string_view text, Typeface face) {
-  int sum = 0;
+  double sum = 0;
   for (const char16_t unit : text) {
     const int advance = advanceOf(unit);
     sum += advance + (face.bold && advance > 0 ? boldExtra : 0);

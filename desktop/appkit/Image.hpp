@@ -6,10 +6,6 @@
 
 namespace desktop {
 
-inline bool isPng(std::string_view bytes) {
-  return bytes.starts_with("\x89PNG\r\n\x1a\n");
-}
-
 struct Image : Object {
   /// The file as it is: PNG or icns. Empty for the picture of an application that has no icon of its own.
   std::string bytes;
@@ -19,6 +15,9 @@ struct Image : Object {
   Image* initWithContentsOfURL(URL* url);
   /// The one name known is that of the application's own icon; none for any other.
   static Ref<Image> imageNamed(String* name);
+  static Ref<Image> applicationIcon();
+  /// Of the pictures in the file the one that suits so many pixels best; empty when there is none.
+  std::string_view png(double pixels) const;
   void setTemplate(BOOL value) { isTemplate = value; }
   void setSize(CGSize value) { size = value; }
 };

@@ -122,8 +122,8 @@ struct TextField : Control {
 struct Button : Control {
   static constexpr NSUInteger switchType = 3;
   static constexpr NSUInteger inlineBezel = 15;
-  /// From a checkbox's edge to its title: the square and a gap, in points.
-  static constexpr CGFloat checkboxToTitle = 20;
+  /// From a checkbox's left edge to its title: the square and a gap.
+  static constexpr CGFloat checkboxTitleInset = 20;
 
   Ref<String> title;
   Ref<Image> image;

@@ -81,7 +81,7 @@ void Svg::text(std::u16string_view text, CGPoint start, Typeface face, std::stri
   const double baseline = start.y + 0.35 * face.size;
   code += "<text" + attribute("x", start.x) + attribute("y", baseline) + attribute("font-size", face.size) +
           (face.bold ? attribute("font-weight", "700") : "") + attribute("textLength", textWidth(text, face)) +
-          " lengthAdjust=\"spacingAndGlyphs\"" + attribute("class", classes) + '>' + xmlScalars::escaped(text) +
+          " lengthAdjust=\"spacingAndGlyphs\"" + attribute("class", classes) + '>' + xmlScalars::escapedText(text) +
           "</text>\n";
 }
 

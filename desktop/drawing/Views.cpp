@@ -62,8 +62,8 @@ void drawCheckbox(Svg& svg, const Button& button, CGRect frame) {
     svg.rectangle(square, 3.5, "checkBox");
     svg.rectangle(insetBy(square, 0.5), 3, "line controlEdge");
   }
-  frame.origin.x += Button::checkboxToTitle;
-  frame.size.width -= Button::checkboxToTitle;
+  frame.origin.x += Button::checkboxTitleInset;
+  frame.size.width -= Button::checkboxTitleInset;
   drawLine(svg, unitsOf(button.title.get()), frame, button.face(), classOf(button.tint));
 }
 

@@ -169,7 +169,7 @@ void drawAlert(Svg& svg, const Alert& alert, CGRect screen) {
   const CGRect frame = centredOn(screen, {width, icon + texts + buttons.totalHeight() + margin});
   drawPanel(svg, frame, windowRadius, "window");
 
-  const auto picture = Image::imageNamed(string(u"NSApplicationIcon").get());
+  const auto picture = Image::applicationIcon();
   drawImage(svg, *picture, {{middleX(frame) - iconSide / 2, frame.origin.y + 20}, {iconSide, iconSide}}, "label");
   const CGRect inside = insetBy(frame, margin);
   const double message = drawParagraph(svg, alert.message.get(), inside, frame.origin.y + icon, boldFace);

@@ -1,9 +1,8 @@
-#include "desktop/appkit/Updater.hpp"
 #include "desktop/foundation/Foundation.hpp"
 #include "desktop/quartz/Desktop.hpp"
+#include "desktop/quartz/Updater.hpp"
 
-#include <fstream>
-#include <iterator>
+#include <cstdio>
 
 namespace desktop {
 namespace {
@@ -31,16 +30,20 @@ Ref<URL> fileURLWithPath(String* path) {
   return fileURL(textOf(path));
 }
 
-PropertyList readInformation(const std::filesystem::path& file) {
-  auto reading = parsePropertyList(contentsOfFile(file));
-  const bool isDictionary = reading && reading.value.as<PropertyList::Dictionary>() != nullptr;
-  return isDictionary ? std::move(reading.value) : PropertyList(PropertyList::Dictionary());
-}
-
 /// What cannot be looked at is not there.
 bool isThere(const std::filesystem::path& path) {
   std::error_code error;
   return std::filesystem::exists(path, error);
+}
+
+/// An empty dictionary, with a sentence on standard error, when the file is there and cannot be understood.
+PropertyList readInformation(const std::filesystem::path& file) {
+  try {
+    return readDictionary(file).value_or(PropertyList::Dictionary());
+  } catch (const FileFault& fault) {
+    std::fprintf(stderr, "%s: %s\n", file.c_str(), fault.what.c_str());
+    return PropertyList::Dictionary();
+  }
 }
 
 Bundle* mainBundle() {
@@ -53,10 +56,11 @@ UserDefaults* standardUserDefaults() {
 } // namespace
 
 std::string contentsOfFile(const std::filesystem::path& file) {
-  std::error_code error;
-  if (!std::filesystem::is_regular_file(file, error)) return {}; // reading a folder throws
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
+  try {
+    return readFile(file).value_or("");
+  } catch (const FileFault&) {
+    return {};
+  }
 }
 
 Ref<URL> fileURL(const std::string& path) {

@@ -64,7 +64,7 @@ struct URL : Object {
 };
 
 Ref<URL> fileURL(const std::string& path);
-/// The bytes of a regular file; none when it cannot be read.
+/// The bytes of a regular file; empty when it cannot be read.
 std::string contentsOfFile(const std::filesystem::path& file);
 
 /// A property-list value as objects, and back; nothing when an object has no place in a property list.
@@ -74,12 +74,13 @@ std::optional<PropertyList> propertyListOf(id object);
 struct Bundle : Object {
   std::filesystem::path folder;
   /// Contents/Info.plist, or an empty dictionary.
-  PropertyList information;
+  PropertyList information = PropertyList::Dictionary();
   /// Made once, so that asking for it is as cheap as on the platform.
   Ref<String> identifier;
   bool isMain = false;
 
   Bundle* initWithURL(URL* url);
+  /// Whatever the folder lacks is missing, nothing more.
   void open(const std::filesystem::path& path);
   String* bundleIdentifier() const;
   Ref<Object> objectForInfoDictionaryKey(String* key) const;

@@ -13,11 +13,6 @@
 namespace desktop {
 namespace {
 
-/// Why a file could not be read or written, as a sentence without its name.
-struct FileFault {
-  std::string what;
-};
-
 [[noreturn]] void failWith(std::string_view what, int error) {
   throw FileFault{std::string(what) + ": " + std::generic_category().message(error)};
 }
@@ -41,24 +36,6 @@ public:
 private:
   int number;
 };
-
-/// Nothing when there is no such file.
-std::optional<std::string> readFile(const std::filesystem::path& path) {
-  // Not to wait for the other end of a pipe, which is refused below.
-  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!file && errno == ENOENT) return std::nullopt;
-  struct stat status {};
-  if (!file || ::fstat(file.get(), &status) != 0) failWith("cannot be read", errno);
-  if (!S_ISREG(status.st_mode)) throw FileFault{"is not a regular file"};
-  std::string bytes;
-  std::array<char, 16384> block{};
-  for (;;) {
-    const auto count = ::read(file.get(), block.data(), block.size());
-    if (count == 0) return bytes;
-    if (count < 0 && errno != EINTR) failWith("cannot be read", errno);
-    if (count > 0) bytes.append(block.data(), static_cast<std::size_t>(count));
-  }
-}
 
 void writeAll(int file, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -146,23 +123,40 @@ void keepAside(const std::filesystem::path& path) {
 
 } // namespace
 
+std::optional<std::string> readFile(const std::filesystem::path& path) {
+  // Not to wait for the other end of a pipe, which is refused below.
+  const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file && errno == ENOENT) return std::nullopt;
+  struct stat status {};
+  if (!file || ::fstat(file.get(), &status) != 0) failWith("cannot be read", errno);
+  if (!S_ISREG(status.st_mode)) throw FileFault{"is not a regular file"};
+  std::string bytes;
+  std::array<char, 16384> block{};
+  for (;;) {
+    const auto count = ::read(file.get(), block.data(), block.size());
+    if (count == 0) return bytes;
+    if (count < 0 && errno != EINTR) failWith("cannot be read", errno);
+    if (count > 0) bytes.append(block.data(), static_cast<std::size_t>(count));
+  }
+}
+
+std::optional<PropertyList> readDictionary(const std::filesystem::path& path) {
+  const auto bytes = readFile(path);
+  if (!bytes) return std::nullopt;
+  auto reading = parsePropertyList(*bytes);
+  if (!reading) throw FileFault{"cannot be understood, " + reading.error};
+  if (reading.value.as<PropertyList::Dictionary>() == nullptr) throw FileFault{"does not hold a dictionary"};
+  return std::move(reading.value);
+}
+
 PropertyListFile::PropertyListFile(std::optional<std::filesystem::path> file) : path(std::move(file)) {
   if (!path) return;
   try {
-    load();
+    if (auto read = readDictionary(*path)) contents = *std::move(read);
   } catch (const FileFault& fault) {
     keepsBroken = true;
     report(*path, fault.what + "; starting empty, the file stays as it is until something is saved");
   }
-}
-
-void PropertyListFile::load() {
-  const auto bytes = readFile(*path);
-  if (!bytes) return;
-  auto reading = parsePropertyList(*bytes);
-  if (!reading) throw FileFault{"cannot be understood, " + reading.error};
-  if (reading.value.as<PropertyList::Dictionary>() == nullptr) throw FileFault{"does not hold a dictionary"};
-  contents = std::move(reading.value);
 }
 
 const PropertyList* PropertyListFile::value(const std::u16string& key) const {

@@ -8,6 +8,16 @@
 
 namespace desktop {
 
+/// Why a file could not be read or written, as a sentence without its name.
+struct FileFault {
+  std::string what;
+};
+
+/// The bytes of a regular file; none when there is no such file. Throws FileFault when it cannot be read.
+std::optional<std::string> readFile(const std::filesystem::path& path);
+/// The same for the dictionary in a property-list file.
+std::optional<PropertyList> readDictionary(const std::filesystem::path& path);
+
 /// The dictionary behind user defaults, kept in a property-list file. For one thread; one object per file.
 ///
 /// Opening never changes anything on disk. A missing file is an empty dictionary. A file that cannot be read is one
@@ -36,7 +46,6 @@ private:
   bool keepsBroken = false; // what lies on disk was not understood and must not get lost
   bool writesFail = false;
 
-  void load();
   void save();
 };
 

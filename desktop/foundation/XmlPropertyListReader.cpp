@@ -1,3 +1,4 @@
+#include "desktop/foundation/Numbers.hpp"
 #include "desktop/foundation/PropertyList.hpp"
 #include "desktop/foundation/Text.hpp"
 #include "desktop/foundation/XmlScalars.hpp"
@@ -216,7 +217,7 @@ private:
     if (name.starts_with('#')) {
       constexpr char32_t lastPoint = 0x10FFFF;
       const bool hexadecimal = name.starts_with("#x");
-      const auto number = wholeNumber<std::uint32_t>(name.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
+      const auto number = numberIn<std::uint32_t>(name.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10);
       if (number && *number <= lastPoint && !isSurrogate(*number)) return *number;
     }
     fail(start, "an unknown entity");

@@ -20,7 +20,7 @@ public:
   void operator()(bool truth) { line(truth ? "<true/>" : "<false/>"); }
   void operator()(std::int64_t number) { line("<integer>" + std::to_string(number) + "</integer>"); }
   void operator()(double number) { line("<real>" + realText(number) + "</real>"); }
-  void operator()(const std::u16string& text) { line("<string>" + escaped(text) + "</string>"); }
+  void operator()(const std::u16string& text) { line("<string>" + escapedText(text) + "</string>"); }
   void operator()(PropertyList::Date date) { line("<date>" + dateText(date) + "</date>"); }
 
   void operator()(const PropertyList::Data& data) {
@@ -51,7 +51,7 @@ public:
     line("<dict>");
     ++indentation;
     for (const auto& [key, element] : dictionary) {
-      line("<key>" + escaped(key) + "</key>");
+      line("<key>" + escapedText(key) + "</key>");
       std::visit(*this, element.value);
     }
     --indentation;

@@ -1,5 +1,6 @@
 #include "desktop/foundation/XmlScalars.hpp"
 
+#include "desktop/foundation/Numbers.hpp"
 #include "desktop/foundation/Text.hpp"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ bool fitsXml(std::u16string_view text) {
   return true;
 }
 
-std::string escaped(std::u16string_view text) {
+std::string escapedText(std::u16string_view text) {
   std::u16string out;
   for (std::size_t at = 0; at < text.size();) {
     const char32_t character = nextPoint(text, at);
@@ -64,7 +65,7 @@ std::optional<std::int64_t> integerFrom(std::string_view text) {
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) text = trimmed(text.substr(1));
   const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-  const auto magnitude = wholeNumber<std::uint64_t>(text.substr(hexadecimal ? 2 : 0), hexadecimal ? 16 : 10);
+  const auto magnitude = numberIn<std::uint64_t>(text.substr(hexadecimal ? 2 : 0), hexadecimal ? 16 : 10);
   const auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()) + (negative ? 1 : 0);
   if (!magnitude || *magnitude > limit) return std::nullopt;
   return static_cast<std::int64_t>(negative ? 0 - *magnitude : *magnitude);
@@ -73,11 +74,7 @@ std::optional<std::int64_t> integerFrom(std::string_view text) {
 std::optional<double> realFrom(std::string_view text) {
   text = trimmed(text);
   if (text.starts_with('+') && !text.starts_with("+-")) text.remove_prefix(1);
-  double number = 0;
-  const auto* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return number;
+  return numberIn<double>(text, std::chars_format::general);
 }
 
 std::optional<PropertyList::Date> dateFrom(std::string_view text) {
@@ -87,7 +84,7 @@ std::optional<PropertyList::Date> dateFrom(std::string_view text) {
   if (!std::equal(text.begin(), text.end(), form.begin(), form.end(), fits)) return std::nullopt;
 
   const auto part = [text](std::size_t at, std::size_t size) {
-    return wholeNumber<unsigned>(text.substr(at, size), 10).value_or(0);
+    return numberIn<unsigned>(text.substr(at, size)).value_or(0);
   };
   const year_month_day date(year(static_cast<int>(part(0, 4))), month(part(5, 2)), day(part(8, 2)));
   const hours hour(part(11, 2));

@@ -2,32 +2,22 @@
 
 #include "desktop/foundation/PropertyList.hpp"
 
-#include <charconv>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
-/// How texts, numbers, dates and data are spelt within the elements of XML, as property lists do it. Readers ignore
-/// whitespace around the text and answer nothing when it is something else.
+/// How texts, numbers, dates and data are spelt within the elements of an XML document. Readers ignore whitespace
+/// around the text and answer nothing when it is something else.
 namespace desktop::xmlScalars {
 
 inline constexpr std::string_view whitespace = " \t\r\n";
 std::string_view trimmed(std::string_view text);
 
-/// Whether XML can hold every character.
+/// False for control characters, noncharacters and lone surrogates.
 bool fitsXml(std::u16string_view text);
-/// With markup and carriage returns escaped; what XML cannot hold becomes U+FFFD.
-std::string escaped(std::u16string_view text);
-
-/// Nothing but digits, in the given base, and not too many.
-template <typename Number> std::optional<Number> wholeNumber(std::string_view digits, int base) {
-  Number number = 0;
-  const auto* end = digits.data() + digits.size();
-  const auto [stop, error] = std::from_chars(digits.data(), end, number, base);
-  if (error != std::errc() || stop != end) return std::nullopt;
-  return number;
-}
+/// As it stands within an element, in UTF-8; what XML cannot hold becomes U+FFFD.
+std::string escapedText(std::u16string_view text);
 
 /// Decimal, or hexadecimal after 0x, with an optional sign.
 std::optional<std::int64_t> integerFrom(std::string_view text);

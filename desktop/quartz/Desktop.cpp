@@ -60,7 +60,8 @@ BOOL RunningApplication::activateWithOptions(NSUInteger options) {
 Desktop::Desktop() : appKit((registerClasses(), std::make_unique<AppKit>())) {
   if (only != nullptr) stop("there can only be one desktop at a time");
   only = this;
-  openBundle({});
+  mainBundle = create<Bundle>();
+  mainBundle->isMain = true;
   defaults = create<UserDefaults>();
   defaults->file = std::make_unique<PropertyListFile>();
   start("Finder", "com.apple.finder");
@@ -77,12 +78,6 @@ Desktop::~Desktop() {
 Desktop& Desktop::current() {
   if (only == nullptr) stopWithoutDesktop();
   return *only;
-}
-
-void Desktop::openBundle(const std::filesystem::path& folder) {
-  mainBundle = create<Bundle>();
-  mainBundle->open(folder);
-  mainBundle->isMain = true;
 }
 
 RunningApplication& Desktop::start(const std::string& name, const std::string& identifier) {

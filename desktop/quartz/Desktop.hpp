@@ -79,6 +79,7 @@ public:
 
   MainQueue queue;
   WindowServer server;
+  /// The program's own, without a folder until it is opened.
   Ref<Bundle> mainBundle;
   Ref<UserDefaults> defaults;
   std::unique_ptr<AppKit> appKit;
@@ -87,9 +88,6 @@ public:
   Ref<RunningApplication> frontmost;
   /// While the program runs.
   Ref<RunningApplication> tarnwick;
-
-  /// Makes `folder` the program's own bundle. Whatever it lacks is missing, nothing more.
-  void openBundle(const std::filesystem::path& folder);
 
   RunningApplication& start(const std::string& name, const std::string& identifier);
   /// False when none of that name runs.

@@ -7,7 +7,7 @@ namespace desktop {
 namespace {
 
 std::string quoted(const std::string& text) {
-  return "\"" + escaped(text) + "\"";
+  return "\"" + text + "\"";
 }
 
 /// The fields from `first` on, each quoted; a lone empty one stands for none.
@@ -66,11 +66,14 @@ constexpr Sentence sentences[] = {
 
 } // namespace
 
-std::string sentenceFor(const Fact& fact) {
+std::string sentenceFor(const Fact& happened) {
+  Fact fact = happened;
+  for (std::string& field : fact)
+    field = escaped(field);
   for (const Sentence& sentence : sentences) {
     if (fact.front() == sentence.name) return "    " + sentence.tell(fact);
   }
-  return "    " + traceLine(fact);
+  return "    " + traceLine(happened);
 }
 
 } // namespace desktop

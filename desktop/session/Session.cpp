@@ -80,7 +80,9 @@ void Session::play(const Command& command) {
 }
 
 void Session::noteMenuBarOwner() {
-  if (!desktop.tarnwick || desktop.frontmost.get() != desktop.tarnwick.get()) menuBar.owner = desktop.frontmost;
+  Ref<RunningApplication>& owner = menuBar.owner;
+  if (!desktop.tarnwick || desktop.frontmost.get() != desktop.tarnwick.get()) owner = desktop.frontmost;
+  if (owner && desktop.named(owner->name) != owner.get()) owner = nullptr;
 }
 
 bool Session::carryOut(const Command& command) {

@@ -1,12 +1,12 @@
 #include "desktop/session/SessionGrammar.hpp"
 
+#include "desktop/foundation/Numbers.hpp"
 #include "desktop/quartz/Fact.hpp"
 #include "desktop/session/Words.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -69,34 +69,33 @@ std::string_view takeUntil(std::string_view& rest, char separator) {
   return taken;
 }
 
-/// Whether the whole text is a number without a sign, in the range of its type; it is then stored.
-template <class Number, class Format> bool readNumber(std::string_view text, Number& number, Format format) {
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, number, format);
-  return result.ec == std::errc() && result.ptr == end && !text.starts_with('-');
-}
-
 [[noreturn]] void expected(const std::string& what, std::string_view argument) {
   throw std::invalid_argument("expected " + what + ", not " + inQuotes(argument));
 }
 
 std::uint64_t codeOrFlags(std::string_view argument, std::uint64_t highest) {
   const bool isHex = argument.starts_with("0x");
-  std::uint64_t number = 0;
-  if (readNumber(argument.substr(isHex ? 2 : 0), number, isHex ? 16 : 10) && number <= highest) return number;
+  const auto number = numberIn<std::uint64_t>(argument.substr(isHex ? 2 : 0), isHex ? 16 : 10);
+  if (number && *number <= highest) return *number;
   expected("a number from 0 to " + factFlags(highest), argument);
 }
 
 std::uint64_t ordinal(std::string_view argument) {
-  std::uint64_t number = 0;
-  if (readNumber(argument, number, 10) && number >= 1) return number;
+  const auto number = numberIn<std::uint64_t>(argument, 10);
+  if (number && *number >= 1) return *number;
   expected("a whole number of 1 or more, in 64 bits", argument);
 }
 
 double measure(std::string_view argument) {
-  double number = 0;
-  if (readNumber(argument, number, std::chars_format::fixed) && std::isfinite(number)) return number;
+  const auto number = numberIn<double>(argument, std::chars_format::fixed);
+  if (number && std::isfinite(*number) && !std::signbit(*number)) return *number;
   expected("a finite number of 0 or more", argument);
+}
+
+/// The system would take the name to end at a NUL.
+std::string fileName(std::string_view argument) {
+  if (!argument.empty() && argument.find('\0') == std::string_view::npos) return std::string(argument);
+  expected("the name of a file", argument);
 }
 
 /// A kind of value: how a command takes it from an argument.
@@ -111,7 +110,7 @@ constexpr Kind kinds[] = {
     {"ROLE", [](Command& to, std::string_view from) { to.role = from; }},
     {"TITLE", [](Command& to, std::string_view from) { to.title = from; }},
     {"PATH", [](Command& to, std::string_view from) { to.path = from; }},
-    {"FILE.svg", [](Command& to, std::string_view from) { to.path = from; }},
+    {"FILE.svg", [](Command& to, std::string_view from) { to.path = fileName(from); }},
     {"KEYS", [](Command& to, std::string_view from) { to.key = keyNamed(from); }},
     {"CODE", [](Command& to, std::string_view from) { to.key.code = std::uint16_t(codeOrFlags(from, 0xffff)); }},
     {"FLAGS", [](Command& to, std::string_view from) { to.key.flags = codeOrFlags(from, ~std::uint64_t{0}); }},
@@ -215,6 +214,7 @@ void SessionGrammar::follow(const Command& command) {
 std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text) {
   SessionGrammar grammar(file);
   std::vector<Command> commands;
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3); // the mark that Windows editors begin UTF-8 with
   while (!text.empty()) {
     auto line = grammar.read(takeUntil(text, '\n'));
     if (auto* mistake = std::get_if<Mistake>(&line)) return std::move(*mistake);

@@ -1,9 +1,9 @@
 #include "desktop/session/Words.hpp"
 
+#include "desktop/foundation/Numbers.hpp"
 #include "desktop/session/Trace.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <stdexcept>
 
 namespace desktop {
@@ -21,10 +21,9 @@ std::string_view take(std::string_view& rest, std::size_t count) {
 
 char byteEscape(std::string_view& rest) {
   const std::string_view digits = take(rest, 2);
-  unsigned char byte = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16);
-  if (error != std::errc() || end != digits.data() + 2) throw std::invalid_argument("\\x needs two hex digits");
-  return static_cast<char>(byte);
+  const auto byte = numberIn<unsigned char>(digits, 16);
+  if (digits.size() != 2 || !byte) throw std::invalid_argument("\\x needs two hex digits");
+  return static_cast<char>(*byte);
 }
 
 /// What stands after a backslash in quotes.

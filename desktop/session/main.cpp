@@ -33,7 +33,7 @@ std::variant<Options, std::string> readOptions(int count, char** words) {
     if (word == "--trace") {
       options.trace = true;
     } else if (word == "--defaults" || word == "--bundle") {
-      if (++index == count) return "the option " + word + " wants a name after it";
+      if (++index == count || *words[index] == '\0') return "the option " + word + " wants a name after it";
       (word == "--defaults" ? options.defaults : options.bundle) = words[index];
     } else if (word.size() > 1 && word.front() == '-') {
       return "unknown option " + word;
@@ -78,17 +78,21 @@ Session::Source prompted() {
   };
 }
 
+/// Whole, also where it holds a NUL.
+void say(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+}
+
 void play(const Options& options, Session::Source source, bool echo) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
-  desktop.openBundle(options.bundle.value_or(bundleBesideCommand()));
+  desktop.mainBundle->open(options.bundle.value_or(bundleBesideCommand()));
   if (options.defaults) desktop.defaults->file = std::make_unique<PropertyListFile>(*options.defaults);
   Session session(desktop, tarnwickMain, std::move(source));
-  desktop.journal = [&](const Fact& fact) {
-    std::printf("%s\n", options.trace ? traceLine(fact).c_str() : sentenceFor(fact).c_str());
-  };
-  if (!options.trace) desktop.remark = [](const std::string& sentence) { std::printf("    %s\n", sentence.c_str()); };
-  if (echo) session.announce = [](const Command& command) { std::printf("%s\n", command.text.c_str()); };
+  desktop.journal = [&](const Fact& fact) { say(options.trace ? traceLine(fact) : sentenceFor(fact)); };
+  if (!options.trace) desktop.remark = [](const std::string& sentence) { say("    " + sentence); };
+  if (echo) session.announce = [](const Command& command) { say(command.text); };
   session.run();
 }
 

@@ -78,7 +78,7 @@ TEST(Launch, ShowsTheNameWhereTheImageCannotBeHad) {
   for (const auto& [what, damage] : damages) {
     TestDesktop desktop;
     damage(desktop.bundle / "Contents/Resources/MenuBarTemplate.png");
-    desktop.machine.openBundle(desktop.bundle);
+    desktop.machine.mainBundle->open(desktop.bundle);
     EXPECT_EQ(desktop.play({"show menu", "down ctrl+c"}),
               "status\tTarnwick\n" + menuFacts("Disable Tarnwick") + copied + terminate)
         << what;
@@ -103,7 +103,7 @@ TEST(Launch, NeedsNoInformationDictionary) {
   for (const auto& [what, damage] : damages) {
     TestDesktop desktop;
     damage(desktop.bundle / "Contents/Info.plist");
-    desktop.machine.openBundle(desktop.bundle);
+    desktop.machine.mainBundle->open(desktop.bundle);
     EXPECT_EQ(desktop.play({"down ctrl+c", "front Tarnwick", "down ctrl+c"}),
               status + copied + "key\tTarnwick\tdown\t0x08\t0x100000\n" + terminate)
         << what;

@@ -18,7 +18,7 @@ std::string launchWith(const std::optional<PropertyList>& feed, const std::optio
   const auto folder = desktop.bundle / "Contents" / "Frameworks" / "Sparkle.framework";
   if (framework != Framework::Missing) std::filesystem::create_directories(folder);
   if (framework == Framework::Whole) writeFile(folder / "Sparkle", "SPUStandardUpdaterController");
-  desktop.machine.openBundle(desktop.bundle);
+  desktop.machine.mainBundle->open(desktop.bundle);
   return desktop.play(
       {"trust no\n taps allow\n launch\n click OK\n menu \"Check for Updates...\"", [&] {
          // The delegate's own way to it, with no menu between.

@@ -45,7 +45,7 @@ TEST_F(FrontmostTest, DecidesWhetherKeysAreRewritten) {
 }
 
 TEST_F(FrontmostTest, IsNeverThisProgramWhenItsBundleHasNoIdentifier) {
-  machine.openBundle("/nowhere");
+  machine.mainBundle->open("/nowhere");
   front(u"app.tarnwick.Tarnwick");
   EXPECT_TRUE(rewrites());
   front(std::nullopt);

@@ -65,6 +65,9 @@ TEST_F(CommandTest, TellsPeopleWhatHappened) {
                          "    nothing to act on\n"
                          "    Tarnwick has quit\n");
   EXPECT_EQ(told.status, 0);
+
+  const CommandRun strange = run("", "app \"E\\x1b[31m\\n\"\nfront \"E\\x1b[31m\\n\"\ndown a");
+  EXPECT_NE(strange.output.find("    E\\x1b[31m\\n receives A pressed\n"), std::string::npos) << strange.output;
 }
 
 TEST_F(CommandTest, RunsNothingOfASessionWithAMistake) {
@@ -101,6 +104,7 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
       {"-t good.txt", "tarnwick: unknown option -t\n"},
       {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
       {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
+      {"--defaults '' good.txt", "tarnwick: the option --defaults wants a name after it\n"},
       {"good.txt --bundle", "tarnwick: the option --bundle wants a name after it\n"},
       {"--bundle nowhere good.txt", "nowhere: is not a folder\n"},
       {"--bundle good.txt good.txt", "good.txt: is not a folder\n"},
@@ -117,6 +121,19 @@ TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
   const CommandRun bare = run("--trace --bundle .", "down ctrl+c");
   EXPECT_EQ(bare.output, "status\tTarnwick\nkey\tEditor\tdown\t0x08\t0x100000\nterminate\n");
   EXPECT_EQ(bare.status, 0);
+
+  fs::create_directory(folder.path / "Contents");
+  writeFile(folder.path / "Contents/Info.plist", "<plist><dict>");
+  const CommandRun damaged = run("--trace --bundle .", "down ctrl+c");
+  EXPECT_EQ(damaged.output, bare.output);
+  EXPECT_EQ(damaged.complaints.rfind("./Contents/Info.plist: cannot be understood, line 1: ", 0), 0U)
+      << damaged.complaints;
+
+  fs::remove(folder.path / "Contents/Info.plist");
+  fs::create_symlink("/proc/self/mem", folder.path / "Contents/Info.plist");
+  const CommandRun unreadable = run("--trace --bundle .", "down ctrl+c");
+  EXPECT_EQ(unreadable.output, bare.output);
+  EXPECT_EQ(unreadable.complaints, "./Contents/Info.plist: cannot be read: Input/output error\n");
 }
 
 // As a command of its own: a class that has been loaded once stays for the whole process.

@@ -127,10 +127,12 @@ TEST_F(DrawingTest, TheMenuIsOpenUntilTheUserGoesOn) {
 
 TEST_F(DrawingTest, TheMenuBarTellsWhoIsInFrontAndTheTime) {
   play("menu Settings…\nwait 8340\ndraw " + file("editor") + "\nfront none\ndraw " + file("nobody") +
+       "\napp Mail\nfront Mail\nmenu Settings…\nend Mail\ndraw " + file("ended") +
        "\nfront Editor\nquit\nfront none\ndraw " + file("afterwards"));
   EXPECT_TRUE(shows(drawn("editor"), "Editor")) << "the program has no menus of its own";
   EXPECT_TRUE(shows(drawn("editor"), "12:00 PM"));
   EXPECT_FALSE(shows(drawn("nobody"), "Editor"));
+  EXPECT_FALSE(shows(drawn("ended"), "Mail"));
   EXPECT_FALSE(shows(drawn("afterwards"), "Editor"));
 }
 

@@ -96,6 +96,8 @@ TEST(SessionGrammar, TellsTheFirstMistakeAndItsLine) {
       {"Quit", "unknown command \"Quit\""},
       {"a\0\x1b"s, "unknown command \"a\\x00\\x1b\""},
       {std::string(59, 'x') + "…" + std::string(100'000, 'y'), "unknown command \"" + std::string(59, 'x') + "...\""},
+      {"draw \"\"", "expected the name of a file, not \"\""},
+      {"draw \"a\\x00b.svg\"", "expected the name of a file, not \"a\\x00b.svg\""},
       {"show yes", "expected menu|window|alert|defaults, not \"yes\""},
       {"trust", "missing yes|no: trust yes|no"},
       {"menu #Settings", "missing TITLE: menu TITLE"},

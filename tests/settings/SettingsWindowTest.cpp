@@ -151,7 +151,7 @@ TEST_F(SettingsWindowTest, TellsTheVersionOnlyWhereItIsAText) {
     PropertyList::Dictionary information;
     if (version) information[u"CFBundleShortVersionString"] = *version;
     desktop::writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
-    machine.openBundle(desktop.bundle);
+    machine.mainBundle->open(desktop.bundle);
     controller = {};
     open();
     EXPECT_TRUE(shown().ends_with("label\t" + label + "\n")) << label;

@@ -96,7 +96,7 @@ TestDesktop::TestDesktop() {
   for (const char* resource : {"MenuBarTemplate.png", "AppIcon.icns"}) {
     std::filesystem::copy(std::filesystem::path(TARNWICK_SOURCE_DIR) / "bundle" / resource, contents / "Resources");
   }
-  machine.openBundle(bundle);
+  machine.mainBundle->open(bundle);
   machine.journal = [this](const Fact& fact) { facts.push_back(fact); };
 }
 

@@ -51,7 +51,7 @@ class TestDesktop {
 public:
   TestDesktop();
 
-  /// The program's bundle: complete, for a test to break. `machine.openBundle(bundle)` reads its dictionary anew.
+  /// The program's bundle: complete, for a test to break. `machine.mainBundle->open(bundle)` reads its dictionary anew.
   std::filesystem::path bundle = folder.path / "Tarnwick.app";
   Desktop machine;
   std::vector<Fact> facts;

@@ -1,4 +1,4 @@
-#include "desktop/appkit/Updater.hpp"
+#include "desktop/quartz/Updater.hpp"
 
 #include "desktop/quartz/Desktop.hpp"
 
