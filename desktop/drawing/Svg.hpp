@@ -36,7 +36,7 @@ public:
   /// Only the shape of the PNG, in the colour of the classes.
   void stencil(std::string_view png, CGRect rect, std::string_view classes);
 
-  // Each is an attribute of a group.
+  // Each writes a definition and answers the attribute of a group that goes by it.
   std::string clip(CGRect rect, double radius);
   std::string shadow(CGSize offset, double radius, double opacity);
 

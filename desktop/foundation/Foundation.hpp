@@ -51,6 +51,7 @@ struct Dictionary : Object {
   std::map<std::u16string, Ref<Object>> entries;
 };
 
+/// Bytes or a date: the program takes neither, they are only kept.
 struct Data : Object {
   PropertyList value;
 };

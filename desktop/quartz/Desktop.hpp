@@ -89,6 +89,7 @@ public:
   /// While the program runs.
   Ref<RunningApplication> tarnwick;
 
+  /// Without a bundle identifier when that is empty.
   RunningApplication& start(const std::string& name, const std::string& identifier);
   /// False when none of that name runs.
   bool end(const std::string& name);

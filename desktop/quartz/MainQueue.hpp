@@ -13,6 +13,7 @@ public:
   /// Nanoseconds since the desktop began.
   std::int64_t now = 0;
 
+  /// `due` goes by the same clock. The context stays the caller's: of work that never runs nobody frees it.
   void add(std::int64_t due, void* context, Work work);
   /// Runs the next block that is due; false when there is none, or when one is running: never one inside another.
   bool runNext();

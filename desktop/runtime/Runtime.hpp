@@ -59,6 +59,7 @@ template <class Type> Ref<Type> shared(Type* object) {
   return {platform::share, object};
 }
 
+/// An instance with one reference, which is the caller's.
 Object* allocate(Class cls);
 bool isKindOf(const objc_object* object, Class cls);
 bool respondsTo(id object, const char* selector);
