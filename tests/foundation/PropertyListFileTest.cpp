@@ -1,14 +1,10 @@
 #include "desktop/foundation/PropertyListFile.hpp"
 
-#include <gtest/gtest.h>
+#include "tests/support/TestDesktop.hpp"
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace desktop {
 namespace {
@@ -17,27 +13,10 @@ namespace fs = std::filesystem;
 
 class PropertyListFileTest : public testing::Test {
 protected:
-  fs::path folder;
-  fs::path path;
+  const TemporaryFolder own;
+  const fs::path& folder = own.path;
+  const fs::path path = folder / "defaults.plist";
 
-  void SetUp() override {
-    std::string name = testing::TempDir() + "/defaults-XXXXXX";
-    ASSERT_NE(::mkdtemp(name.data()), nullptr);
-    folder = name;
-    path = folder / "defaults.plist";
-  }
-  void TearDown() override {
-    fs::permissions(folder, fs::perms::owner_all);
-    fs::remove_all(folder);
-  }
-
-  static void write(const fs::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
-  }
-  static std::string contents(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
   std::size_t filesInFolder() const {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
   }
@@ -53,23 +32,6 @@ protected:
   }
 };
 
-/// Without the rights of the superuser, for whom no folder is closed.
-class OrdinaryUser {
-public:
-  explicit OrdinaryUser(const fs::path& owned) : original(::geteuid()) {
-    if (original != 0) return;
-    EXPECT_EQ(::chown(owned.c_str(), nobody, static_cast<gid_t>(-1)), 0);
-    EXPECT_EQ(::seteuid(nobody), 0);
-  }
-  OrdinaryUser(const OrdinaryUser&) = delete;
-  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-  ~OrdinaryUser() { EXPECT_EQ(::seteuid(original), 0); }
-
-private:
-  static constexpr uid_t nobody = 65534;
-  uid_t original;
-};
-
 TEST_F(PropertyListFileTest, ChangesOutliveTheObject) {
   EXPECT_EQ(complaint([&] {
               PropertyListFile file(path);
@@ -81,14 +43,14 @@ TEST_F(PropertyListFileTest, ChangesOutliveTheObject) {
   const PropertyListFile file(path);
   ASSERT_NE(file.value(u"kept"), nullptr);
   EXPECT_EQ(*file.value(u"kept"), PropertyList(u"value"));
-  EXPECT_TRUE(contents(path).starts_with("<?xml"));
+  EXPECT_TRUE(contentsOf(path).starts_with("<?xml"));
   EXPECT_EQ(filesInFolder(), 1U);
 }
 
 TEST_F(PropertyListFileTest, BinaryWhereXmlCannotHoldIt) {
   const std::u16string text(u"\0\xD800", 2);
   PropertyListFile(path).set(u"odd", text);
-  EXPECT_TRUE(contents(path).starts_with("bplist00"));
+  EXPECT_TRUE(contentsOf(path).starts_with("bplist00"));
   PropertyListFile file(path);
   ASSERT_NE(file.value(u"odd"), nullptr);
   EXPECT_EQ(*file.value(u"odd"), PropertyList(text));
@@ -97,14 +59,14 @@ TEST_F(PropertyListFileTest, BinaryWhereXmlCannotHoldIt) {
 TEST_F(PropertyListFileTest, ReadingLeavesTheFileAlone) {
   for (const std::string bytes :
        {"", "<plist>\n<dict>", "<plist><array/></plist>", "bplist00", "<plist><dict/></plist>"}) {
-    write(path, bytes);
+    writeFile(path, bytes);
     fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
     const auto before = fs::last_write_time(path);
     const auto said = complaint([&] {
       PropertyListFile file(path);
       EXPECT_EQ(file.value(u"key"), nullptr);
     });
-    EXPECT_EQ(contents(path), bytes);
+    EXPECT_EQ(contentsOf(path), bytes);
     EXPECT_EQ(fs::last_write_time(path), before);
     EXPECT_EQ(filesInFolder(), 1U);
     EXPECT_EQ(lines(said), bytes == "<plist><dict/></plist>" ? 0U : 1U) << said;
@@ -116,27 +78,27 @@ TEST_F(PropertyListFileTest, ReadingLeavesTheFileAlone) {
 
 TEST_F(PropertyListFileTest, BrokenFilesAreKeptAside) {
   for (const std::string name : {"defaults.plist.broken", "defaults.plist.broken-2"}) {
-    write(path, "precious: " + name);
+    writeFile(path, "precious: " + name);
     complaint([&] {
       PropertyListFile file(path);
       file.failWrites(true);
       file.set(u"key", 1);
-      EXPECT_EQ(contents(path), "precious: " + name) << "nothing moves before its successor is written";
+      EXPECT_EQ(contentsOf(path), "precious: " + name) << "nothing moves before its successor is written";
       file.failWrites(false);
       file.set(u"key", 2);
       file.set(u"key", 3);
     });
-    EXPECT_EQ(contents(folder / name), "precious: " + name);
+    EXPECT_EQ(contentsOf(folder / name), "precious: " + name);
     EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(3));
   }
-  EXPECT_EQ(contents(folder / "defaults.plist.broken"), "precious: defaults.plist.broken");
+  EXPECT_EQ(contentsOf(folder / "defaults.plist.broken"), "precious: defaults.plist.broken");
   EXPECT_EQ(filesInFolder(), 3U);
 }
 
 TEST_F(PropertyListFileTest, FailedWritesLoseNothing) {
   PropertyListFile file(path);
   file.set(u"key", 1);
-  const auto saved = contents(path);
+  const auto saved = contentsOf(path);
   file.failWrites(true);
   const auto said = complaint([&] {
     file.set(u"key", 2);
@@ -144,7 +106,7 @@ TEST_F(PropertyListFileTest, FailedWritesLoseNothing) {
   });
   EXPECT_EQ(lines(said), 2U) << said;
   EXPECT_NE(said.find(path.string() + ": cannot be saved"), std::string::npos) << said;
-  EXPECT_EQ(contents(path), saved);
+  EXPECT_EQ(contentsOf(path), saved);
   EXPECT_EQ(filesInFolder(), 1U) << "no temporary file stays behind";
   EXPECT_EQ(*file.value(u"key"), PropertyList(2));
   file.failWrites(false);
@@ -187,24 +149,6 @@ TEST_F(PropertyListFileTest, OnlyRegularFilesAreReplaced) {
     EXPECT_EQ(fs::status(odd).type(), before);
   }
   EXPECT_EQ(filesInFolder(), 2U);
-}
-
-TEST_F(PropertyListFileTest, WithoutPermission) {
-  write(path, "<plist><dict><key>key</key><true/></dict></plist>");
-  const OrdinaryUser user(folder);
-  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
-  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), 1U) << "the folder is read-only";
-  EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(true));
-
-  fs::permissions(folder, fs::perms::owner_all);
-  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), ::getuid() == 0 ? 1U : 0U);
-}
-
-TEST_F(PropertyListFileTest, InMemoryTouchesNoDisk) {
-  PropertyListFile file;
-  file.failWrites(true);
-  EXPECT_EQ(complaint([&] { file.set(u"key", 1); }), "");
-  EXPECT_EQ(*file.value(u"key"), PropertyList(1));
 }
 
 } // namespace

@@ -40,7 +40,3 @@ class Archive(unittest.TestCase):
         version = contents / "Frameworks" / "Updater.framework"
         self.assertEqual(os.readlink(version / "Updater"), "Versions/Current/Updater")
         self.assertEqual((version / "Updater").read_bytes(), b"library")
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -79,7 +79,3 @@ class Mac(unittest.TestCase):
         with mock.patch.object(build.platform, "system", lambda: "Linux"):
             with self.assertRaisesRegex(build.BuildError, "only on a Mac"):
                 build.build(Path("unused"), "Developer ID Application: A (B)", [])
-
-
-if __name__ == "__main__":
-    unittest.main()

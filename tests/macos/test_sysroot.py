@@ -39,7 +39,3 @@ class Sysroot(unittest.TestCase):
             with self.subTest(source), self.assertRaises(subprocess.CalledProcessError) as caught:
                 fixture.link(self.folder, processor, source=source)
             self.assertIn("undefined symbol", caught.exception.stderr)
-
-
-if __name__ == "__main__":
-    unittest.main()

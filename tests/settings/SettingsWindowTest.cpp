@@ -9,28 +9,6 @@ namespace {
 using namespace std::string_literals;
 using desktop::PropertyList;
 
-/// A checkbox by its title, and the switch that it should be bound to.
-struct Switch {
-  const char* title;
-  bool KeyRemapper::*flag;
-};
-constexpr Switch switches[] = {
-    {"Clipboard (Ctrl+C/V/X/A/Z)", &KeyRemapper::mapClipboard},
-    {"Redo (Ctrl+Y -> Cmd+Shift+Z)", &KeyRemapper::mapRedo},
-    {"New (Ctrl+N)", &KeyRemapper::mapNewFile},
-    {"Save (Ctrl+S)", &KeyRemapper::mapSave},
-    {"Word Skip (Ctrl+Left/Right)", &KeyRemapper::mapWordSkip},
-    {"Find (Ctrl+F)", &KeyRemapper::mapFind},
-    {"Swap @ and \"", &KeyRemapper::mapAtQuoteSwap},
-    {"Bold (Ctrl+B)", &KeyRemapper::mapBold},
-    {"Underline (Ctrl+U)", &KeyRemapper::mapUnderline},
-    {"Italic (Ctrl+I)", &KeyRemapper::mapItalic},
-    {"Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)", &KeyRemapper::mapLockScreen},
-    {"Forward Delete key moves selection to Bin", &KeyRemapper::mapFinderDeleteToBin},
-    {"Confirm before moving to Bin", &KeyRemapper::mapFinderDeleteConfirm},
-    {"Rename selected item (F2 -> Return)", &KeyRemapper::mapFinderRename},
-};
-
 /// The window on its own, without the application around it.
 class SettingsWindowTest : public RemapperTest {
 protected:
@@ -231,16 +209,19 @@ TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
   EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(archive)));
 }
 
+/// A bundle of that identifier; none is left out.
+std::filesystem::path makeBundle(const desktop::TemporaryFolder& folder,
+                                 const std::optional<PropertyList>& identifier) {
+  const auto bundle = folder.path / "Chosen.app";
+  std::filesystem::create_directories(bundle / "Contents");
+  PropertyList::Dictionary information{{u"CFBundleName", u"Chosen"}};
+  if (identifier) information[u"CFBundleIdentifier"] = *identifier;
+  desktop::writeFile(bundle / "Contents" / "Info.plist", writeXml(information));
+  return bundle;
+}
+
 /// A choice in the open panel, each time from a running program.
-std::string chooseBundle(const std::optional<PropertyList>& identifier, bool isBundle = true) {
-  const desktop::TemporaryFolder folder;
-  const auto chosen = folder.path / "Chosen.app";
-  if (isBundle) {
-    std::filesystem::create_directories(chosen / "Contents");
-    PropertyList::Dictionary information{{u"CFBundleName", u"Chosen"}};
-    if (identifier) information[u"CFBundleIdentifier"] = *identifier;
-    desktop::writeFile(chosen / "Contents" / "Info.plist", writeXml(information));
-  }
+std::string choose(const std::filesystem::path& chosen) {
   desktop::TestDesktop desktop;
   desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.listed"});
   const std::string trace = desktop.play(
@@ -252,23 +233,20 @@ std::string chooseBundle(const std::optional<PropertyList>& identifier, bool isB
 }
 
 TEST(ExemptionsPanel, TakesTheIdentifierOfTheBundleThatIsChosen) {
+  const desktop::TemporaryFolder folder;
   const std::string before = "default\texemptBundleIDs\torg.listed\n";
   const std::string after = "default\texemptBundleIDs\tcom.example.chosen\torg.listed\n";
-  EXPECT_EQ(chooseBundle(u"com.example.chosen"), after);
-  EXPECT_EQ(chooseBundle(u" com.example.chosen\n"), after);
-  EXPECT_EQ(chooseBundle(u"org.listed"), before);
-  EXPECT_EQ(chooseBundle(u"  "), before);
-  EXPECT_EQ(chooseBundle(7), before);
-  EXPECT_EQ(chooseBundle(std::nullopt), before);
-  EXPECT_EQ(chooseBundle(std::nullopt, false), before) << "no bundle at all";
+  EXPECT_EQ(choose(makeBundle(folder, u" com.example.chosen\n")), after);
+  for (const std::optional<PropertyList>& useless :
+       {std::optional<PropertyList>(u"org.listed"), std::optional<PropertyList>(u"  "), std::optional<PropertyList>(7),
+        std::optional<PropertyList>()})
+    EXPECT_EQ(choose(makeBundle(folder, useless)), before);
+  EXPECT_EQ(choose(folder.path / "none"), before) << "no bundle at all";
 }
 
 TEST(ExemptionsPanel, TakesNothingWhenItIsCancelled) {
   const desktop::TemporaryFolder folder;
-  const auto app = folder.path / "Chosen.app";
-  std::filesystem::create_directories(app / "Contents");
-  desktop::writeFile(app / "Contents" / "Info.plist",
-                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.chosen"}}));
+  const auto app = makeBundle(folder, u"com.example.chosen");
   desktop::TestDesktop desktop;
   // Selected in the panel, but never confirmed.
   desktop.play({"menu Settings…\nclick \"Choose App…\"",
@@ -310,14 +288,10 @@ TEST(SettingsMenuEntry, SwitchesAreBackOnAndExemptionsKeptInTheNextRun) {
     desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");
     return desktop.play({session});
   };
-  const auto app = folder.path / "Editor.app" / "Contents";
-  std::filesystem::create_directories(app);
-  desktop::writeFile(app / "Info.plist",
-                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
-  const std::string first =
-      run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nfront Editor\ndown ctrl+b\ndown ctrl+c\n"
-          "click \"Choose App…\"\nchoose \"" +
-          app.parent_path().string() + "\"\nfront Editor\ndown ctrl+c\nmenu \"Disable Tarnwick\"");
+  const auto app = makeBundle(folder, u"com.example.editor");
+  const std::string first = run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nfront Editor\ndown ctrl+b\ndown ctrl+c\n"
+                                "click \"Choose App…\"\nchoose \"" +
+                                app.string() + "\"\nfront Editor\ndown ctrl+c\nmenu \"Disable Tarnwick\"");
   EXPECT_NE(first.find("key\tEditor\tdown\t0x0b\t0x40000\nkey\tEditor\tdown\t0x08\t0x100000\n"), std::string::npos);
   EXPECT_NE(first.find("key\tEditor\tdown\t0x08\t0x40000\nterminate\n"), std::string::npos) << first;
   const std::string second =

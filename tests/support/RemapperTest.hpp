@@ -35,6 +35,28 @@ inline constexpr CGEventFlags modifiers = shift | control | option | command;
 inline constexpr Key ctrlC{0x08, control};
 inline constexpr Key cmdC{0x08, command};
 
+/// A switch of the remapper, and the title of the checkbox that it is bound to.
+struct Switch {
+  const char* title;
+  bool KeyRemapper::*flag;
+};
+inline constexpr Switch switches[] = {
+    {"Clipboard (Ctrl+C/V/X/A/Z)", &KeyRemapper::mapClipboard},
+    {"Redo (Ctrl+Y -> Cmd+Shift+Z)", &KeyRemapper::mapRedo},
+    {"New (Ctrl+N)", &KeyRemapper::mapNewFile},
+    {"Save (Ctrl+S)", &KeyRemapper::mapSave},
+    {"Word Skip (Ctrl+Left/Right)", &KeyRemapper::mapWordSkip},
+    {"Find (Ctrl+F)", &KeyRemapper::mapFind},
+    {"Swap @ and \"", &KeyRemapper::mapAtQuoteSwap},
+    {"Bold (Ctrl+B)", &KeyRemapper::mapBold},
+    {"Underline (Ctrl+U)", &KeyRemapper::mapUnderline},
+    {"Italic (Ctrl+I)", &KeyRemapper::mapItalic},
+    {"Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)", &KeyRemapper::mapLockScreen},
+    {"Forward Delete key moves selection to Bin", &KeyRemapper::mapFinderDeleteToBin},
+    {"Confirm before moving to Bin", &KeyRemapper::mapFinderDeleteConfirm},
+    {"Rename selected item (F2 -> Return)", &KeyRemapper::mapFinderRename},
+};
+
 class RemapperTest : public testing::Test {
 protected:
   desktop::TestDesktop desktop;
