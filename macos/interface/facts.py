@@ -4,9 +4,9 @@ from dataclasses import dataclass
 from pathlib import Path
 
 import abi
+from sysroot import OLDEST_SYSTEM
 
 FACTS = Path(__file__).resolve().parent / "facts"
-OLDEST_SYSTEM = (13, 0)
 # darwinkit was made from macOS 12's headers: what it records, macOS 13 has. The other bindings follow newer systems.
 # What belongs to the update framework comes with the application.
 CERTAIN = {"darwinkit", "Sparkle"}
