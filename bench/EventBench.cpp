@@ -112,20 +112,20 @@ private:
   std::map<std::string, double> leasts;
 };
 
-void registerAll() {
-  const auto add = [](const char* name, auto measured) {
-    return benchmark::RegisterBenchmark(name, measured)->ComputeStatistics("least", least);
-  };
-  const auto addWithLists = [&](const char* name, Typed typed, bool exempt) {
-    add(name, [=](benchmark::State& state) { event(state, typed, "Editor", exempt); })->Arg(0)->Arg(10)->Arg(100000);
-  };
-  add("floor/empty_call", emptyCall);
-  add(floorName, hashSetLookup);
-  addWithLists("event/plain_letter", letter, false);
-  addWithLists("event/rewritten_shortcut", shortcut, false);
-  addWithLists("event/exempt_application", shortcut, true);
-  add("event/finder_in_front", [](benchmark::State& state) { event(state, letter, "Finder", false); })->Arg(0);
+void byLeast(benchmark::internal::Benchmark* measured) {
+  measured->ComputeStatistics("least", least);
 }
+
+void withLists(benchmark::internal::Benchmark* measured) {
+  byLeast(measured->Arg(0)->Arg(10)->Arg(100000));
+}
+
+BENCHMARK(emptyCall)->Name("floor/empty_call")->Apply(byLeast);
+BENCHMARK(hashSetLookup)->Name(floorName)->Apply(byLeast);
+BENCHMARK_CAPTURE(event, plain_letter, letter, "Editor", false)->Apply(withLists);
+BENCHMARK_CAPTURE(event, rewritten_shortcut, shortcut, "Editor", false)->Apply(withLists);
+BENCHMARK_CAPTURE(event, exempt_application, shortcut, "Editor", true)->Apply(withLists);
+BENCHMARK_CAPTURE(event, finder_in_front, letter, "Finder", false)->Arg(0)->Apply(byLeast);
 
 } // namespace
 
@@ -144,7 +144,6 @@ int main(int count, char** words) {
 
   benchmark::Initialize(&count, arguments.data());
   if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
-  registerAll();
   Ratios reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   return 0;
