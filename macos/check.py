@@ -135,7 +135,10 @@ def check_text(image):
         yield f"it holds {image.debug_symbols} symbols for the debugger"
     known = {LOADER, *(name for _, name in image.libraries), *image.run_paths}
     found = set()
-    for match in TEXT.finditer(image.data):
+    signature = image.command(macho.LC_CODE_SIGNATURE)
+    # The signature's hashes look like any text, now and then.
+    end = struct.unpack_from("<I", image.data, signature + 8)[0] if signature else len(image.data)
+    for match in TEXT.finditer(image.data, 0, end):
         text = match.group().decode()
         found.update(path for path in ABSOLUTE_PATH.findall(text)
                      if path not in known and not path.startswith(USER_PATHS))
@@ -174,7 +177,7 @@ def check_bundle(bundle, archive, any_symbol=False):
     for image in images:
         problems += [f"{image.processor}: {problem}" for problem in check_image(image, libraries, any_symbol)]
     size = archive.stat().st_size
-    if size > LARGEST_ARCHIVE and not any((bundle / "Contents" / "Frameworks").iterdir()):
+    if size > LARGEST_ARCHIVE and not any((bundle / "Contents" / "Frameworks").glob("*.framework")):
         problems.append(f"{archive.name} has {size} bytes, more than {LARGEST_ARCHIVE}")
     return problems, [*(figures(image) for image in images), f"{archive.name}: {size} bytes"]
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace desktop {
 namespace {
@@ -30,6 +31,23 @@ protected:
   static std::size_t lines(const std::string& text) {
     return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
   }
+};
+
+/// Without the rights of the superuser, for whom no folder is closed.
+class OrdinaryUser {
+public:
+  explicit OrdinaryUser(const fs::path& owned) : original(::geteuid()) {
+    if (original != 0) return;
+    EXPECT_EQ(::chown(owned.c_str(), nobody, static_cast<gid_t>(-1)), 0);
+    EXPECT_EQ(::seteuid(nobody), 0);
+  }
+  OrdinaryUser(const OrdinaryUser&) = delete;
+  OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+  ~OrdinaryUser() { EXPECT_EQ(::seteuid(original), 0); }
+
+private:
+  static constexpr uid_t nobody = 65534;
+  uid_t original;
 };
 
 TEST_F(PropertyListFileTest, ChangesOutliveTheObject) {
@@ -149,6 +167,17 @@ TEST_F(PropertyListFileTest, OnlyRegularFilesAreReplaced) {
     EXPECT_EQ(fs::status(odd).type(), before);
   }
   EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(PropertyListFileTest, WithoutPermission) {
+  writeFile(path, "<plist><dict><key>key</key><true/></dict></plist>");
+  const OrdinaryUser user(folder);
+  fs::permissions(folder, fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), 1U) << "the folder is read-only";
+  EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(true));
+
+  fs::permissions(folder, fs::perms::owner_all);
+  EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), ::getuid() == 0 ? 1U : 0U);
 }
 
 } // namespace
