@@ -11,6 +11,7 @@ LC_SYMTAB = 0x2
 LC_LOAD_DYLINKER = 0xE
 LC_SEGMENT_64 = 0x19
 LC_CODE_SIGNATURE = 0x1D
+MOST_ALIGNMENT = 15  # of a slice, as a power of two
 LC_RPATH = 0x8000001C
 LC_MAIN = 0x80000028
 LC_BUILD_VERSION = 0x32
@@ -91,11 +92,15 @@ def slices(data):
         raise MachOError("not a 64-bit Mach-O file")
     parts, end = [], 8 + 20 * struct.unpack_from(">I", data, 4)[0]
     for entry in range(8, end, 20):
-        offset, size = struct.unpack_from(">2I", data, entry + 8)
+        cpu, subtype, offset, size, alignment = struct.unpack_from(">5I", data, entry)
         if offset + size > len(data):
             raise MachOError("a slice reaches past the end of the file")
         if offset < end or any(data[end:offset]):
             raise MachOError("there is something between the slices of the file")
+        if alignment > MOST_ALIGNMENT or offset % (1 << alignment):
+            raise MachOError("a slice does not lie on its boundary")
+        if data[offset + 4:offset + 12] != struct.pack("<2I", cpu, subtype):
+            raise MachOError("a slice is for another processor than the file says")
         parts.append(data[offset:offset + size])
         end = offset + size
     if end != len(data):

@@ -17,7 +17,11 @@ import macho
 EMBEDDED_SIGNATURE = 0xFADE0CC0
 CODE_DIRECTORY = 0xFADE0C02
 INFORMATION, REQUIREMENTS, RESOURCES = 1, 2, 3  # numbers of the special hashes
-FLAGS = {0x2: "ad hoc", 0x10000: "hardened runtime", 0x20000: "by the linker only"}
+IDENTITY = 0x10000  # the slot of who signed; its blob is nothing but a header when nobody did
+OLDEST_VERSION = 0x20400  # the first with the range of the executable segment
+AD_HOC = 0x2
+MH_EXECUTE = 2
+FLAGS = {AD_HOC: "ad hoc", 0x10000: "hardened runtime", 0x20000: "by the linker only"}
 LINKER_SIGNED = 0x20000
 UNSEALED = ("Info.plist", "PkgInfo")
 
@@ -80,13 +84,23 @@ class CodeDirectory:
             if hashlib.sha256(content).digest() != self.hash_at(number):
                 raise VerificationError(f"{self.name}: the code was changed after signing, at {number * page:#x}")
         text = self.image.segment("__TEXT")
-        if self.executable[:2] != (text.file_offset, text.file_size):
+        if self.version < OLDEST_VERSION or self.executable[:2] != (text.file_offset, text.file_size):
             raise VerificationError(f"{self.name}: the signature names another executable segment")
+        if bool(self.executable[2] & 1) != (self.image.filetype == MH_EXECUTE):
+            raise VerificationError(f"{self.name}: the signature takes a program for a library, or a library for one")
+        linkedit = self.image.segment("__LINKEDIT")
+        if linkedit.file_offset + linkedit.file_size != len(self.image.data):
+            raise VerificationError(f"{self.name}: the last segment does not end where the signature does")
 
     def verify_special(self, number, content, what):
         """Something outside of the code is what was signed."""
         if number > self.special_count or self.hash_at(-number) != hashlib.sha256(content).digest():
             raise VerificationError(f"{self.name}: {what} is not the one that was signed")
+
+    def verify_identity(self):
+        """It is ad hoc exactly when nobody's identity signed it."""
+        if bool(self.flags & AD_HOC) != (len(self.blobs.get(IDENTITY, b"")) <= 8):
+            raise VerificationError(f"{self.name}: the signature does not fit its identity")
 
     def describe(self):
         flags = ", ".join(text for bit, text in FLAGS.items() if self.flags & bit) or "with an identity"
@@ -101,6 +115,7 @@ def verify_program(path, information=None, seal=None):
         directory.verify_code()
         if directory.flags & LINKER_SIGNED:
             raise VerificationError(f"{directory.name}: only the linker signed it, which seals no bundle")
+        directory.verify_identity()
         directory.verify_special(REQUIREMENTS, directory.blobs.get(REQUIREMENTS, b""), "the list of requirements")
         if information is not None:
             directory.verify_special(INFORMATION, information, "Info.plist")
