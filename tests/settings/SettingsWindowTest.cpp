@@ -212,7 +212,7 @@ TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
 /// A bundle of that identifier; none is left out.
 std::filesystem::path makeBundle(const desktop::TemporaryFolder& folder,
                                  const std::optional<PropertyList>& identifier) {
-  const auto bundle = folder.path / "Chosen.app";
+  auto bundle = folder.path / "Chosen.app";
   std::filesystem::create_directories(bundle / "Contents");
   PropertyList::Dictionary information{{u"CFBundleName", u"Chosen"}};
   if (identifier) information[u"CFBundleIdentifier"] = *identifier;
