@@ -15,7 +15,6 @@ import sysroot
 from sysroot import OLDEST_SYSTEM
 
 PLATFORM_MACOS = 1
-MH_EXECUTE = 2
 FLAG_TWO_LEVEL, FLAG_STACK_EXECUTION, FLAG_PIE = 0x80, 0x20000, 0x200000
 WRITE_AND_EXECUTE = 0x6
 INITIALISERS = {"__mod_init_func": 8, "__init_offsets": 4, "__mod_term_func": 8}  # bytes for each
@@ -44,7 +43,7 @@ def check_image(image, libraries, any_symbol):
 
 def check_header(image):
     """A position-independent program for macOS 13."""
-    if image.filetype != MH_EXECUTE:
+    if image.filetype != macho.MH_EXECUTE:
         yield "it is not a program"
     if not image.flags & FLAG_PIE:
         yield "it is not position independent"
@@ -135,9 +134,8 @@ def check_text(image):
         yield f"it holds {image.debug_symbols} symbols for the debugger"
     known = {LOADER, *(name for _, name in image.libraries), *image.run_paths}
     found = set()
-    signature = image.command(macho.LC_CODE_SIGNATURE)
     # The signature's hashes look like any text, now and then.
-    end = struct.unpack_from("<I", image.data, signature + 8)[0] if signature else len(image.data)
+    end, _ = image.signature() or (len(image.data), 0)
     for match in TEXT.finditer(image.data, 0, end):
         text = match.group().decode()
         found.update(path for path in ABSOLUTE_PATH.findall(text)

@@ -25,7 +25,6 @@ MAIN_BINARY = 0x1
 SHA256 = 2
 PAGE_BITS = 12
 HEADER_SIZE = 88
-MH_EXECUTE = 2
 
 # What codesign itself writes for a bundle with a Resources folder: which files the seal covers, and how.
 RULES = {
@@ -197,7 +196,7 @@ def sign_slice(data, name, identifier, information, seal):
     struct.pack_into("<Q", code, link.command + 32, -(-link_size // page) * page)
     struct.pack_into("<Q", code, link.command + 48, link_size)
 
-    directory = code_directory(bytes(code), identifier, special, text, image.filetype == MH_EXECUTE)
+    directory = code_directory(bytes(code), identifier, special, text, image.filetype == macho.MH_EXECUTE)
     signature = super_blob(directory)
     return bytes(code) + signature.ljust(padded, b"\0"), hashlib.sha256(directory).digest()[:20]
 

@@ -10,6 +10,7 @@ PROCESSORS = {ARM64: "arm64", 0x01000007: "x86_64"}
 LC_SYMTAB = 0x2
 LC_LOAD_DYLINKER = 0xE
 LC_SEGMENT_64 = 0x19
+MH_EXECUTE = 2
 LC_CODE_SIGNATURE = 0x1D
 MOST_ALIGNMENT = 15  # of a slice, as a power of two
 LC_RPATH = 0x8000001C
@@ -68,6 +69,11 @@ class Image:
     def command(self, wanted):
         """Where the load command lies, or None."""
         return next((position for command, position in self.commands if command == wanted), None)
+
+    def signature(self):
+        """(offset, size) of the code signature, or None."""
+        command = self.command(LC_CODE_SIGNATURE)
+        return None if command is None else struct.unpack_from("<2I", self.data, command + 8)
 
     def segment(self, name):
         return next((segment for segment in self.segments if segment.name == name), None)

@@ -20,7 +20,6 @@ INFORMATION, REQUIREMENTS, RESOURCES = 1, 2, 3  # numbers of the special hashes
 IDENTITY = 0x10000  # the slot of who signed; its blob is nothing but a header when nobody did
 OLDEST_VERSION = 0x20400  # the first with the range of the executable segment
 AD_HOC = 0x2
-MH_EXECUTE = 2
 FLAGS = {AD_HOC: "ad hoc", 0x10000: "hardened runtime", 0x20000: "by the linker only"}
 LINKER_SIGNED = 0x20000
 UNSEALED = ("Info.plist", "PkgInfo")
@@ -35,10 +34,10 @@ class CodeDirectory:
 
     def __init__(self, name, image):
         self.name, self.image = f"{name} ({image.processor})", image
-        command = image.command(macho.LC_CODE_SIGNATURE)
-        if command is None:
+        place = image.signature()
+        if place is None:
             raise VerificationError(f"{self.name} is not signed")
-        offset, size = struct.unpack_from("<2I", image.data, command + 8)
+        offset, size = place
         if offset + size != len(image.data):
             raise VerificationError(f"{self.name}: the signature is not at the end of the program")
         self.blobs = self.read_blobs(image.data[offset:offset + size])
@@ -86,7 +85,7 @@ class CodeDirectory:
         text = self.image.segment("__TEXT")
         if self.version < OLDEST_VERSION or self.executable[:2] != (text.file_offset, text.file_size):
             raise VerificationError(f"{self.name}: the signature names another executable segment")
-        if bool(self.executable[2] & 1) != (self.image.filetype == MH_EXECUTE):
+        if bool(self.executable[2] & 1) != (self.image.filetype == macho.MH_EXECUTE):
             raise VerificationError(f"{self.name}: the signature takes a program for a library, or a library for one")
         linkedit = self.image.segment("__LINKEDIT")
         if linkedit.file_offset + linkedit.file_size != len(self.image.data):

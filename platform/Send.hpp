@@ -158,8 +158,7 @@ Result call(id receiver, Arguments... arguments) {
 } // namespace wire
 
 /// Sends a message. A wrapper as result shares the object that comes back, unless it is `Lent`; `Result` is void unless
-/// named.
-/// A message to nothing answers zero without a call.
+/// named. A message to nothing answers zero without a call.
 template <Name selector, class Result = void, class Receiver, class... Arguments>
 Result send(const Receiver& receiver, const Arguments&... arguments) {
   const id target = wire::target(receiver);
