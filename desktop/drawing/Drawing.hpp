@@ -5,12 +5,12 @@
 
 namespace desktop {
 
-/// What the menu bar shows besides what is there.
+/// What a picture of the menu bar needs to know beside the desktop: what the user has done to get there.
 struct MenuBarState {
   /// The status item's menu hangs from it.
   bool menuIsOpen = false;
-  /// Whose menus it holds: the last application in front that has any. Tarnwick has none, so that the bar stays as it
-  /// was when its window comes to the front.
+  /// The application whose menus the bar holds: the one that was last in front, Tarnwick aside. Tarnwick has none, and
+  /// so the bar stays as it was when the settings window comes to the front.
   Ref<RunningApplication> owner;
 };
 

@@ -66,11 +66,10 @@ private:
       svg.rectangle({{row.origin.x, row.origin.y + 5}, {row.size.width, 1}}, 0, "separator");
       return;
     }
-    const std::u16string key = keyText(item.keyEquivalent.get());
-    const double keyStart = row.origin.x + row.size.width - textWidth(key, plainFace);
     svg.text(unitsOf(item.title.get()), {row.origin.x, middleY(row)}, plainFace,
              item.enabled ? "label" : "disabledLabel");
-    svg.text(key, {keyStart, middleY(row)}, plainFace, item.enabled ? "secondaryLabel" : "disabledLabel");
+    svg.textEndingAt(keyText(item.keyEquivalent.get()), {row.origin.x + row.size.width, middleY(row)}, plainFace,
+                     item.enabled ? "secondaryLabel" : "disabledLabel");
   }
 
   const std::vector<Ref<MenuItem>>& items;
@@ -106,8 +105,8 @@ void drawControlCentre(Svg& svg, double x) {
 /// From the right: clock, system, status items. Answers where they begin.
 double drawRightHalf(Svg& svg, const Desktop& desktop, double right, bool menuIsOpen) {
   const std::u16string clock = clockText(desktop.queue.now);
+  svg.textEndingAt(clock, {right - 12, middle}, plainFace, "barLabel");
   double x = std::floor(right - 12 - textWidth(clock, plainFace));
-  svg.text(clock, {x, middle}, plainFace, "barLabel");
   x -= gap + 10;
   drawControlCentre(svg, x);
   x -= 10;
@@ -123,11 +122,10 @@ double drawRightHalf(Svg& svg, const Desktop& desktop, double right, bool menuIs
   return x;
 }
 
+/// The system's own menu stands under a ring.
 void drawSystemMenu(Svg& svg) {
-  svg.path({14, middle - 7},
-           "M6.5 4C5 2.9 1 3.1 1 7.6C1 11 3.1 13.6 4.6 13.6C5.4 13.6 5.9 13.2 6.5 13.2S7.6 13.6 8.4 13.6"
-           "C9.9 13.6 12 11 12 7.6C12 3.1 8 2.9 6.5 4zM6.6 2.9C6.6 1.3 7.7 .2 9.3 .1C9.3 1.8 8.2 2.9 6.6 2.9z",
-           "barLabel");
+  svg.path({21, middle}, "M-6 0a6 6 0 0 1 12 0a6 6 0 0 1 -12 0zM-3.8 0a3.8 3.8 0 0 0 7.6 0a3.8 3.8 0 0 0 -7.6 0z",
+           "barLabel hollow");
 }
 
 /// As many of them as there is room for. All applications of the desktop have the same.

@@ -53,13 +53,17 @@ constexpr Shade shades[] = {
     {"scroller", "fill", "rgba(0,0,0,.36)", "rgba(255,255,255,.38)"},
 };
 
-// Lines have no area, and what has a line around it says so with a second class.
-constexpr auto shapes = "text{font-family:-apple-system,BlinkMacSystemFont,'SF Pro Text','Helvetica Neue',Inter,Arial,"
-                        "sans-serif;font-variant-ligatures:none;font-feature-settings:'calt' 0}\n"
-                        ".line{fill:none;stroke-width:1}\n"
-                        ".hairline{fill:none;stroke-width:.5}\n"
-                        ".mark{fill:none;stroke-width:1.9;stroke-linecap:round;stroke-linejoin:round}\n"
-                        ".hollow{fill-rule:evenodd}\n";
+// After the platform's own fonts come narrow ones, so that lines stay within their frames in viewers that do not
+// stretch them. Ligatures are off because some fonts make an arrow of "->", and none is named that does so. Lines have
+// no area, and what has a line around it says so with a second class.
+constexpr auto shapes =
+    "text{font-family:-apple-system,BlinkMacSystemFont,'SF Pro Text','Helvetica Neue',Helvetica,Arial,"
+    "'Liberation Sans','DejaVu Sans Condensed',sans-serif;font-variant-ligatures:none;"
+    "font-feature-settings:'calt' 0}\n"
+    ".line{fill:none;stroke-width:1}\n"
+    ".hairline{fill:none;stroke-width:.5}\n"
+    ".mark{fill:none;stroke-width:1.9;stroke-linecap:round;stroke-linejoin:round}\n"
+    ".hollow{fill-rule:evenodd}\n";
 
 constexpr auto wallpaper = "<linearGradient id=\"sky\" x2=\"0.25\" y2=\"1\"><stop class=\"skyTop\"/>"
                            "<stop offset=\".6\" class=\"skyMiddle\"/><stop offset=\"1\" class=\"skyBottom\"/>"

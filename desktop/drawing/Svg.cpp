@@ -28,14 +28,14 @@ std::string roundedFrameOf(CGRect rect, double radius) {
 
 std::string imageElement(std::string_view png, CGRect rect) {
   return "<image" + frameOf(rect) + " href=\"data:image/png;base64," +
-         xmlScalars::dataText(std::as_bytes(std::span(png))) + "\"/>";
+         xmlScalars::dataText(std::as_bytes(std::span(png.data(), png.size()))) + "\"/>";
 }
 
 } // namespace
 
 std::string svgNumber(double number) {
   char text[32];
-  // Adding nothing makes a zero of a negative one.
+  // -0.001 is rounded to -0, which would be written with its sign; -0 + 0 is 0.
   std::snprintf(text, sizeof text, "%.10g", std::round(number * 100) / 100 + 0.0);
   return text;
 }
@@ -76,17 +76,25 @@ void Svg::path(CGPoint origin, std::string_view data, std::string_view classes) 
 }
 
 void Svg::text(std::u16string_view text, CGPoint start, Typeface face, std::string_view classes) {
+  line(text, start, "", face, classes);
+}
+
+void Svg::centredText(std::u16string_view text, CGPoint middle, Typeface face, std::string_view classes) {
+  line(text, middle, " text-anchor=\"middle\"", face, classes);
+}
+
+void Svg::textEndingAt(std::u16string_view text, CGPoint end, Typeface face, std::string_view classes) {
+  line(text, end, " text-anchor=\"end\"", face, classes);
+}
+
+void Svg::line(std::u16string_view text, CGPoint point, const char* anchor, Typeface face, std::string_view classes) {
   if (text.empty()) return;
-  // Half the height of a capital letter.
-  const double baseline = start.y + 0.35 * face.size;
-  code += "<text" + attribute("x", start.x) + attribute("y", baseline) + attribute("font-size", face.size) +
+  // A capital letter is 0.7 of the size high, and SVG places a line by its foot.
+  const double baseline = point.y + 0.35 * face.size;
+  code += "<text" + attribute("x", point.x) + attribute("y", baseline) + anchor + attribute("font-size", face.size) +
           (face.bold ? attribute("font-weight", "700") : "") + attribute("textLength", textWidth(text, face)) +
           " lengthAdjust=\"spacingAndGlyphs\"" + attribute("class", classes) + '>' + xmlScalars::escapedText(text) +
           "</text>\n";
-}
-
-void Svg::centredText(std::u16string_view line, CGPoint middle, Typeface face, std::string_view classes) {
-  text(line, {middle.x - textWidth(line, face) / 2, middle.y}, face, classes);
 }
 
 void Svg::image(std::string_view png, CGRect rect) {

@@ -27,10 +27,12 @@ public:
   void circle(CGPoint centre, double radius, std::string_view classes);
   /// Path data, drawn from `origin`.
   void path(CGPoint origin, std::string_view data, std::string_view classes);
-  /// One line, exactly as wide as its typeface makes it whatever font the viewer has. `start` is the left end of its
-  /// middle.
+  // One line of text, halfway up at the height of the point, which is where the line begins, its middle or its end.
+  // Viewers stretch their font to the width that the typeface has here; where one does not, the line holds at its
+  // point.
   void text(std::u16string_view text, CGPoint start, Typeface face, std::string_view classes);
   void centredText(std::u16string_view text, CGPoint middle, Typeface face, std::string_view classes);
+  void textEndingAt(std::u16string_view text, CGPoint end, Typeface face, std::string_view classes);
   /// A PNG, as large as fits.
   void image(std::string_view png, CGRect rect);
   /// Only the shape of the PNG, in the colour of the classes.
@@ -45,6 +47,7 @@ public:
 
 private:
   friend class Group;
+  void line(std::u16string_view text, CGPoint point, const char* anchor, Typeface face, std::string_view classes);
   std::string newName();
 
   std::string code;

@@ -36,11 +36,10 @@ const char* classOf(const Color* color) {
   }
 }
 
-/// Cut off at the frame where it is longer.
+/// One line of text, cut off where its frame ends if the text is longer.
 void drawLine(Svg& svg, const std::u16string& line, CGRect frame, Typeface face, const char* classes) {
   std::optional<Group> cut;
-  // A frame has whole points: what a text has more than that is no letter.
-  if (textWidth(line, face) > std::ceil(frame.size.width)) cut.emplace(svg, svg.clip(frame, 0));
+  if (textWidth(line, face) > frame.size.width) cut.emplace(svg, svg.clip(frame, 0));
   svg.text(line, {frame.origin.x, middleY(frame)}, face, classes);
 }
 

@@ -12,7 +12,7 @@ namespace {
 namespace fs = std::filesystem;
 
 struct DrawnText {
-  double x;
+  double x; ///< of its left end
   double y;
   double width;
   std::string text;
@@ -25,9 +25,12 @@ std::vector<std::smatch> matchesIn(const std::string& picture, const char* patte
 
 std::vector<DrawnText> textsIn(const std::string& picture) {
   std::vector<DrawnText> texts;
-  for (const auto& match :
-       matchesIn(picture, "<text x=\"([^\"]+)\" y=\"([^\"]+)\"[^>]*textLength=\"([^\"]+)\"[^>]*>([^<]*)<"))
-    texts.push_back({std::stod(match[1]), std::stod(match[2]), std::stod(match[3]), match[4]});
+  for (const auto& match : matchesIn(picture, "<text x=\"([^\"]+)\" y=\"([^\"]+)\"(?: text-anchor=\"([a-z]+)\")?"
+                                              "[^>]*textLength=\"([^\"]+)\"[^>]*>([^<]*)<")) {
+    const double width = std::stod(match[4]);
+    const double before = match[3] == "middle" ? width / 2 : match[3] == "end" ? width : 0;
+    texts.push_back({std::stod(match[1]) - before, std::stod(match[2]), width, match[5]});
+  }
   return texts;
 }
 
