@@ -32,7 +32,7 @@ private:
   /// The run-time object that this is the state of; it is the target of the menu's actions.
   id self;
 
-  std::shared_ptr<KeyRemapper> remapper = std::make_shared<KeyRemapper>();
+  std::shared_ptr<KeyRemapper> remapper = KeyRemapper::make();
   /// Absent unless the bundle is configured for updates.
   platform::SPUStandardUpdaterController updaterController;
   platform::NSStatusItem statusItem;

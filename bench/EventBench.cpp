@@ -65,7 +65,7 @@ void event(benchmark::State& state, Typed typed, const char* application, bool e
   desktop.mainBundle->open(TARNWICK_BUNDLE);
   desktop.frontmost = shared(desktop.named(application));
   desktop.defaults->file->set(u"exemptBundleIDs", exemptions(state.range(0), exempt));
-  const auto remapper = std::make_shared<tarnwick::KeyRemapper>();
+  const auto remapper = tarnwick::KeyRemapper::make();
   remapper->start();
 
   const auto key = create<Event>();

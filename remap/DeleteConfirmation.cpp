@@ -38,7 +38,7 @@ void postCommandDelete() {
 void KeyRemapper::promptFinderDeleteConfirmation() {
   if (isDeleteConfirmationPending) return;
   isDeleteConfirmationPending = true;
-  asyncOnMain([weakRemapper = weak_from_this()] {
+  asyncOnMain([weakRemapper = self] {
     const auto remapper = weakRemapper.lock();
     if (!remapper) return;
     if (askToMoveToBin()) remapper->activateFinderAndSendCommandDelete();

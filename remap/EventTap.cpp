@@ -27,7 +27,7 @@ CGEventRef KeyRemapper::tapCallback(CGEventTapProxy proxy, CGEventType type, CGE
                                     void* userInfo) noexcept {
   if (userInfo == nullptr) return event;
   const platform::AutoreleasePool pool;
-  const auto remapper = static_cast<KeyRemapper*>(userInfo)->shared_from_this();
+  const auto remapper = static_cast<KeyRemapper*>(userInfo)->self.lock();
   return remapper->handleEvent(proxy, type, event);
 }
 

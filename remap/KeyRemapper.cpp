@@ -4,6 +4,12 @@ namespace tarnwick {
 
 using namespace platform;
 
+std::shared_ptr<KeyRemapper> KeyRemapper::make() {
+  const std::shared_ptr<KeyRemapper> made(new KeyRemapper);
+  made->self = made;
+  return made;
+}
+
 KeyRemapper::KeyRemapper() {
   loadExemptions();
 }
@@ -11,18 +17,9 @@ KeyRemapper::KeyRemapper() {
 CGEventRef KeyRemapper::handleEvent(CGEventTapProxy /*proxy*/, CGEventType type, CGEventRef event) {
   if (!enabled) return event;
   if (type != kCGEventKeyDown && type != kCGEventKeyUp) return event;
-  const Key key{CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode), CGEventGetFlags(event)};
+  const KeyEvent key(type, event);
   if (isFrontmostExempt()) return event;
-
-  const Outcome outcome = translate(type, key);
-  if (outcome.kind == Outcome::Kind::Swallow) return nullptr;
-  if (outcome.kind == Outcome::Kind::Rewrite) {
-    if (outcome.key.flags != key.flags) CGEventSetFlags(event, outcome.key.flags);
-    if (outcome.key.code != key.code) {
-      CGEventSetIntegerValueField(event, kCGKeyboardEventKeycode, outcome.key.code);
-    }
-  }
-  return event;
+  return translate(key) == Outcome::Swallow ? nullptr : event;
 }
 
 bool KeyRemapper::isFrontmostExempt() const {
@@ -34,64 +31,41 @@ bool KeyRemapper::isFrontmostExempt() const {
 }
 
 /// The first rule that decides ends it.
-Outcome KeyRemapper::translate(CGEventType type, Key key) {
-  if (isLockScreenShortcut(key)) return mapLockScreen ? Outcome::rewrite(lockScreen(key)) : Outcome::pass();
-  if (const auto outcome = translateFinderDelete(type, key)) return *outcome;
+Outcome KeyRemapper::translate(const KeyEvent& key) {
+  if (isLockScreenShortcut(key)) return mapLockScreen ? lockScreen(key) : Outcome::Pass;
+  if (const auto outcome = translateFinderDelete(key)) return *outcome;
   if (const auto outcome = translateFinderRename(key)) return *outcome;
-  if (mapAtQuoteSwap && (key.flags & primaryModifierFlags) == kCGEventFlagMaskShift) {
-    if (const auto other = swapped(key)) return Outcome::rewrite(*other);
-  }
-  if ((key.flags & kCGEventFlagMaskControl) == 0) return Outcome::pass();
+  // Shift alone: nothing is left for the rules of Control, whether or not the key is one of the two.
+  if (mapAtQuoteSwap && primaryModifiers(key) == kCGEventFlagMaskShift) return swapAtAndQuote(key);
   return translateControl(key);
 }
 
 /// The desktop is asked before the key is looked at: the order of the questions is part of the behaviour.
-std::optional<Outcome> KeyRemapper::translateFinderDelete(CGEventType type, Key key) {
+std::optional<Outcome> KeyRemapper::translateFinderDelete(const KeyEvent& key) {
   if (!mapFinderDeleteToBin || !isFinderFrontmost() || isTypingInEditableField()) return std::nullopt;
-  if (key.code != kVK_ForwardDelete || hasPrimaryModifier(key)) return std::nullopt;
-  if (!mapFinderDeleteConfirm) return Outcome::rewrite(finderDelete(key));
-  if (type == kCGEventKeyDown) promptFinderDeleteConfirmation();
-  return Outcome::swallow();
+  if (key.code != kVK_ForwardDelete || primaryModifiers(key) != 0) return std::nullopt;
+  if (!mapFinderDeleteConfirm) return finderDelete(key);
+  if (key.type == kCGEventKeyDown) promptFinderDeleteConfirmation();
+  return Outcome::Swallow;
 }
 
 /// Also while a name is being edited.
-std::optional<Outcome> KeyRemapper::translateFinderRename(Key key) const {
+std::optional<Outcome> KeyRemapper::translateFinderRename(const KeyEvent& key) const {
   if (!mapFinderRename || !isFinderFrontmost()) return std::nullopt;
-  if (key.code != kVK_F2 || hasPrimaryModifier(key)) return std::nullopt;
-  return Outcome::rewrite(finderRename(key));
+  if (key.code != kVK_F2 || primaryModifiers(key) != 0) return std::nullopt;
+  return finderRename(key);
 }
 
-Outcome KeyRemapper::translateControl(Key key) const {
-  if (commandKeyCodes.contains(key.code)) {
-    if (!isMapped(key.code)) return Outcome::pass();
-    return Outcome::rewrite(key.code == kVK_ANSI_Y ? redo(key)
-                                                   : Key{key.code, withoutControl(key.flags, kCGEventFlagMaskCommand)});
+Outcome KeyRemapper::translateControl(const KeyEvent& key) const {
+  if ((key.flags & kCGEventFlagMaskControl) == 0) return Outcome::Pass;
+  if (const auto gate = commandKeyCodes.find(key.code)) {
+    if (!(this->*gate)) return Outcome::Pass;
+    return key.code == kVK_ANSI_Y ? redo(key) : replaceControl(key, kCGEventFlagMaskCommand);
   }
-  if (mapWordSkip && optionKeyCodes.contains(key.code)) {
-    return Outcome::rewrite({key.code, withoutControl(key.flags, kCGEventFlagMaskAlternate)});
+  if (const auto gate = optionKeyCodes.find(key.code)) {
+    if (this->*gate) return replaceControl(key, kCGEventFlagMaskAlternate);
   }
-  return Outcome::pass();
-}
-
-bool KeyRemapper::isMapped(std::int64_t commandKeyCode) const {
-  switch (commandKeyCode) {
-  case kVK_ANSI_Y:
-    return mapRedo;
-  case kVK_ANSI_S:
-    return mapSave;
-  case kVK_ANSI_F:
-    return mapFind;
-  case kVK_ANSI_B:
-    return mapBold;
-  case kVK_ANSI_U:
-    return mapUnderline;
-  case kVK_ANSI_I:
-    return mapItalic;
-  case kVK_ANSI_N:
-    return mapNewFile;
-  default: // C, V, X, A, Z
-    return mapClipboard;
-  }
+  return Outcome::Pass;
 }
 
 } // namespace tarnwick

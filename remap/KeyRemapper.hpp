@@ -15,12 +15,12 @@ namespace tarnwick {
 
 /// Watches the session's key events and rewrites them. One for the whole run, shared by the application delegate and
 /// the settings window; main thread only, so nothing is locked. The tap does not own it: whoever called `start()` calls
-/// `stop()` before letting go. Always held by a `std::shared_ptr`, so that a callback can hold it while it runs.
-class KeyRemapper final : public std::enable_shared_from_this<KeyRemapper> {
+/// `stop()` before letting go.
+class KeyRemapper final {
 public:
   /// Everything on, and the exempt applications loaded from the user's defaults. A stored value that is no array of
-  /// strings counts as none and stays as it is.
-  KeyRemapper();
+  /// strings counts as none and stays as it is. The one way to make a remapper: callbacks hold it while they run.
+  static std::shared_ptr<KeyRemapper> make();
   KeyRemapper(const KeyRemapper&) = delete;
   KeyRemapper& operator=(const KeyRemapper&) = delete;
 
@@ -39,19 +39,10 @@ public:
   /// Writes the sorted list to the user's defaults.
   void saveExemptions() const;
 
-private:
-  static constexpr platform::Name finderBundleID = "com.apple.finder";
-
-  platform::CF<CFMachPortRef> eventTap;
-  platform::CF<CFRunLoopSourceRef> runLoopSource;
-  /// From the request for a confirmation until its alert has been answered.
-  bool isDeleteConfirmationPending = false;
-  const platform::NSString exemptionsDefaultsKey = platform::NSString::utf8("exemptBundleIDs");
-  std::unordered_set<platform::NSString, platform::NSStringHash> exemptBundleIDs;
-
-public:
   /// The master switch: when off, every event passes unchanged.
   bool enabled = true;
+
+  // One switch for each family of shortcuts; its keys stand in the tables below or in a rule of its own.
   bool mapClipboard = true;
   bool mapRedo = true;
   bool mapNewFile = true;
@@ -69,25 +60,45 @@ public:
   bool mapFinderDeleteConfirm = true;
 
 private:
-  /// Keys whose Control becomes Command.
-  static constexpr KeyCodeSet commandKeyCodes{kVK_ANSI_C, kVK_ANSI_V, kVK_ANSI_X, kVK_ANSI_A, kVK_ANSI_Z, kVK_ANSI_Y,
-                                              kVK_ANSI_N, kVK_ANSI_S, kVK_ANSI_F, kVK_ANSI_B, kVK_ANSI_U, kVK_ANSI_I};
+  /// Keys whose Control becomes Command; of Y, which becomes Cmd+Shift+Z, only the switch stands here.
+  static constexpr KeyCodeTable<KeyRemapper> commandKeyCodes{
+      {kVK_ANSI_C, &KeyRemapper::mapClipboard}, {kVK_ANSI_V, &KeyRemapper::mapClipboard},
+      {kVK_ANSI_X, &KeyRemapper::mapClipboard}, {kVK_ANSI_A, &KeyRemapper::mapClipboard},
+      {kVK_ANSI_Z, &KeyRemapper::mapClipboard}, {kVK_ANSI_Y, &KeyRemapper::mapRedo},
+      {kVK_ANSI_N, &KeyRemapper::mapNewFile},   {kVK_ANSI_S, &KeyRemapper::mapSave},
+      {kVK_ANSI_F, &KeyRemapper::mapFind},      {kVK_ANSI_B, &KeyRemapper::mapBold},
+      {kVK_ANSI_U, &KeyRemapper::mapUnderline}, {kVK_ANSI_I, &KeyRemapper::mapItalic},
+  };
   /// Keys whose Control becomes Option.
-  static constexpr KeyCodeSet optionKeyCodes{kVK_LeftArrow, kVK_RightArrow};
+  static constexpr KeyCodeTable<KeyRemapper> optionKeyCodes{
+      {kVK_LeftArrow, &KeyRemapper::mapWordSkip},
+      {kVK_RightArrow, &KeyRemapper::mapWordSkip},
+  };
   /// The modifiers that the rules count as held.
   static constexpr CGEventFlags primaryModifierFlags =
       kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
+  static constexpr platform::Name finderBundleID = "com.apple.finder";
+
+  /// For the callbacks: the tap's, which holds the remapper while it runs, and the confirmation's, which does not keep
+  /// it.
+  std::weak_ptr<KeyRemapper> self;
+  platform::CF<CFMachPortRef> eventTap;
+  platform::CF<CFRunLoopSourceRef> runLoopSource;
+  /// From the request for a confirmation until its alert has been answered.
+  bool isDeleteConfirmationPending = false;
+  const platform::NSString exemptionsDefaultsKey = platform::NSString::utf8("exemptBundleIDs");
+  std::unordered_set<platform::NSString, platform::NSStringHash> exemptBundleIDs;
+
+  KeyRemapper();
 
   static CGEventRef tapCallback(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void* userInfo) noexcept;
   CGEventRef handleEvent(CGEventTapProxy proxy, CGEventType type, CGEventRef event);
   [[nodiscard]] bool isFrontmostExempt() const;
-  Outcome translate(CGEventType type, Key key);
-  std::optional<Outcome> translateFinderDelete(CGEventType type, Key key);
-  [[nodiscard]] std::optional<Outcome> translateFinderRename(Key key) const;
-  [[nodiscard]] Outcome translateControl(Key key) const;
-  /// The switch of one of `commandKeyCodes`.
-  [[nodiscard]] bool isMapped(std::int64_t commandKeyCode) const;
-  [[nodiscard]] static bool hasPrimaryModifier(Key key) { return (key.flags & primaryModifierFlags) != 0; }
+  Outcome translate(const KeyEvent& key);
+  std::optional<Outcome> translateFinderDelete(const KeyEvent& key);
+  [[nodiscard]] std::optional<Outcome> translateFinderRename(const KeyEvent& key) const;
+  [[nodiscard]] Outcome translateControl(const KeyEvent& key) const;
+  [[nodiscard]] static CGEventFlags primaryModifiers(const KeyEvent& key) { return key.flags & primaryModifierFlags; }
 
   /// Whether the element with the keyboard focus, in whichever application, takes text. False when that cannot be
   /// found out; waits for the application that holds the focus.

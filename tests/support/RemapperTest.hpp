@@ -8,6 +8,14 @@
 
 namespace tarnwick {
 
+/// What an event says about its key.
+struct Key {
+  std::int64_t code;
+  CGEventFlags flags;
+
+  bool operator==(const Key&) const = default;
+};
+
 inline void PrintTo(const Key& key, std::ostream* stream) {
   *stream << "code 0x" << std::hex << key.code << " flags 0x" << key.flags << std::dec;
 }
@@ -60,7 +68,7 @@ inline constexpr Switch switches[] = {
 class RemapperTest : public testing::Test {
 protected:
   desktop::TestDesktop desktop;
-  std::shared_ptr<KeyRemapper> remapper = std::make_shared<KeyRemapper>();
+  std::shared_ptr<KeyRemapper> remapper = KeyRemapper::make();
 
   void SetUp() override { ASSERT_TRUE(remapper->start()); }
   void TearDown() override {
@@ -91,7 +99,7 @@ protected:
   /// Another run of the program: what it reads on starting is read anew.
   void relaunch() {
     remapper->stop();
-    remapper = std::make_shared<KeyRemapper>();
+    remapper = KeyRemapper::make();
     ASSERT_TRUE(remapper->start());
   }
   /// Puts an application of this identifier in front, or of none.
