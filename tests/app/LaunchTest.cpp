@@ -1,6 +1,5 @@
 #include "tests/support/TestDesktop.hpp"
 
-#include "app/main.hpp"
 #include "platform/Application.hpp"
 
 namespace tarnwick {

@@ -1,6 +1,5 @@
 #include "tests/support/TestDesktop.hpp"
 
-#include "app/main.hpp"
 #include "desktop/session/Session.hpp"
 #include "desktop/session/Trace.hpp"
 
@@ -51,8 +50,8 @@ void playOn(Desktop& machine, const std::vector<Step>& steps) {
   Script script(steps);
   Session(machine, tarnwickMain, [&] { return script.next(); }).run();
   const platform::AutoreleasePool pool;
-  objc_release(std::exchange(tarnwick::delegate, nullptr));
-  tarnwick::app = nullptr;
+  // The reference that the program's own variable keeps.
+  objc_release(std::exchange(machine.appKit->application->delegate, nullptr));
 }
 
 /// What is made on first use and kept from then on is no leak: a session that uses it all.
