@@ -21,7 +21,7 @@ public:
         static_cast<const void*>(text.data()), static_cast<NSUInteger>(text.size()), NSUTF8StringEncoding);
   }
   /// A constant, made once and never released, so that the key path can compare with it.
-  template <Name text> static const NSString& constant() {
+  template <Literal text> static const NSString& constant() {
     // Not a guarded static, so that the key path stays short: the program is on the main thread.
     static const NSString* made = nullptr;
     if (made == nullptr) made = new NSString(utf8(text.text));

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#if defined(__APPLE__) && __has_include(<objc/runtime.h>)
+#if defined(__APPLE__)
 #include <objc/message.h>
 #include <objc/runtime.h>
 #else
@@ -18,11 +18,7 @@ using Ivar = struct objc_ivar*;
 using Protocol = struct objc_object;
 using IMP = void (*)();
 
-#if defined(__APPLE__) && defined(__x86_64__)
-using BOOL = signed char;
-#else
 using BOOL = bool;
-#endif
 
 /// Where a message to a superclass starts: at `super_class`, not at the receiver's own class.
 struct objc_super {
@@ -43,14 +39,6 @@ BOOL class_addProtocol(Class cls, Protocol* protocol);
 Ivar class_getInstanceVariable(Class cls, const char* name);
 std::ptrdiff_t ivar_getOffset(Ivar variable);
 SEL sel_registerName(const char* name);
-
-#if defined(__APPLE__)
-void objc_msgSend(void);
-void objc_msgSendSuper(void);
-#if defined(__x86_64__)
-void objc_msgSend_stret(void);
-#endif
-#endif
 }
 
 inline constexpr BOOL YES = 1;

@@ -39,7 +39,7 @@ template <class State, class Result, class... Arguments, Result (State::*member)
   static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
     const AutoreleasePool pool;
-    return (InstanceState<State>::of(self).*member)(Form<Arguments>::in(arguments)...);
+    return (InstanceState<State>::of(self).*member)(Passing<Arguments>::in(arguments)...);
   }
 };
 
@@ -47,20 +47,20 @@ template <class Result, class... Arguments, Result (*function)(id, Arguments...)
   static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
     const AutoreleasePool pool;
-    return function(self, Form<Arguments>::in(arguments)...);
+    return function(self, Passing<Arguments>::in(arguments)...);
   }
 };
 
 } // namespace wire
 
 /// An `init` for classes whose state is made from the instance alone.
-template <class State, Name superclass> id initialise(id self) {
+template <class State, Literal superclass> id initialise(id self) {
   const id initialised = sendSuper<superclass, "init", id>(self);
   if (initialised != nullptr) InstanceState<State>::attach(initialised, initialised);
   return initialised;
 }
 
-template <class State, Name name, Name superclass> class RuntimeClass {
+template <class State, Literal name, Literal superclass> class RuntimeClass {
 public:
   RuntimeClass() : cls(objc_allocateClassPair(theClass<superclass>.found(), name.text, 0)) {
     if (cls == nullptr) __builtin_trap(); // no such superclass, or another class has the name
@@ -70,7 +70,7 @@ public:
     }
   }
 
-  template <Name selector, auto member> RuntimeClass& method() {
+  template <Literal selector, auto member> RuntimeClass& method() {
     using Entry = wire::Entry<member>;
     class_addMethod(cls, selectorNamed<selector>(), reinterpret_cast<IMP>(&Entry::call), Entry::encoding.text);
     return *this;

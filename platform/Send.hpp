@@ -19,8 +19,8 @@ inline constexpr Adopt adopt;
 /// Takes a reference of one's own on something that another keeps.
 inline constexpr Share share;
 
-/// One reference to one of the platform's objects, or none. Copies share the object. There is no move: a `Lent`
-/// has no reference that could be taken from it.
+/// One reference to one of the platform's objects, or none. Copies share the object. There is no move, since a `Lent`,
+/// which derives from this, holds an object without a reference: moved from, it would give away what it never had.
 class NSObject {
 public:
   NSObject() = default;
@@ -61,7 +61,7 @@ public:
   id detach() = delete;
 };
 
-template <Name name> SEL selectorNamed() {
+template <Literal name> SEL selectorNamed() {
   // Not a guarded static: registering twice is harmless, and the key path stays short.
   static SEL registered = nullptr;
   if (registered == nullptr) registered = sel_registerName(name.text);
@@ -69,44 +69,44 @@ template <Name name> SEL selectorNamed() {
 }
 
 /// A class, as receiver or argument of a message; while it is not loaded it is nothing.
-template <Name name> struct ClassNamed {
+template <Literal name> struct ClassNamed {
   [[nodiscard]] Class found() const {
     static Class cls = nullptr;
     if (cls == nullptr) cls = objc_getClass(name.text);
     return cls;
   }
 };
-template <Name name> inline constexpr ClassNamed<name> theClass;
+template <Literal name> inline constexpr ClassNamed<name> theClass;
 
 namespace wire {
 
-/// How a value travels in a message: wrappers as the object they hold, everything else as it is.
-template <class Type> struct Form {
+/// How a value is passed in a message: wrappers as the object they hold, everything else as it is.
+template <class Type> struct Passing {
   using Sent = Type;
   static Type out(Type value) { return value; }
   static Type in(Type value) { return value; }
 };
-template <> struct Form<void> { using Sent = void; };
-template <Wrapper Type> struct Form<Type> {
+template <> struct Passing<void> { using Sent = void; };
+template <Wrapper Type> struct Passing<Type> {
   using Sent = id;
   static id out(const Type& value) { return value.object(); }
   static Type in(id value) { return Type(share, value); }
 };
-template <class Type> struct Form<Lent<Type>> : Form<Type> {
+template <class Type> struct Passing<Lent<Type>> : Passing<Type> {
   static Lent<Type> in(id value) { return Lent<Type>(value); }
 };
-template <Name name> struct Form<ClassNamed<name>> {
+template <Literal name> struct Passing<ClassNamed<name>> {
   using Sent = Class;
   static Class out(ClassNamed<name> value) { return value.found(); }
 };
-template <> struct Form<std::nullptr_t> {
+template <> struct Passing<std::nullptr_t> {
   using Sent = id;
   static id out(std::nullptr_t) { return nullptr; }
 };
-template <class Type> using Sent = typename Form<Type>::Sent;
+template <class Type> using Sent = typename Passing<Type>::Sent;
 
 template <class Receiver> id target(const Receiver& receiver) {
-  return reinterpret_cast<id>(Form<Receiver>::out(receiver));
+  return reinterpret_cast<id>(Passing<Receiver>::out(receiver));
 }
 
 template <class Result, class... Arguments> using Method = Result (*)(id, SEL, Arguments...);
@@ -121,7 +121,7 @@ template <class Result> constexpr bool returnsThroughMemory() {
   return false;
 }
 
-template <Name name, class Receiver, class Result, class... Arguments>
+template <Literal name, class Receiver, class Result, class... Arguments>
 Result call(id receiver, Arguments... arguments) {
   const SEL selector = selectorNamed<name>();
 #if defined(__x86_64__)
@@ -145,7 +145,7 @@ Result callSuper(id receiver, Class superclass, SEL selector, Arguments... argum
   return reinterpret_cast<Method<Result, Arguments...>>(method)(receiver, selector, arguments...);
 }
 
-template <Name name, class Receiver, class Result, class... Arguments>
+template <Literal name, class Receiver, class Result, class... Arguments>
 Result call(id receiver, Arguments... arguments) {
   static desktop::CallSite site;
   if (receiver->isa != site.cls)
@@ -159,29 +159,29 @@ Result call(id receiver, Arguments... arguments) {
 
 /// Sends a message. A wrapper as result shares the object that comes back, unless it is `Lent`; `Result` is void unless
 /// named. A message to nothing answers zero without a call.
-template <Name selector, class Result = void, class Receiver, class... Arguments>
+template <Literal selector, class Result = void, class Receiver, class... Arguments>
 Result send(const Receiver& receiver, const Arguments&... arguments) {
   const id target = wire::target(receiver);
   if constexpr (std::is_void_v<Result>) {
     if (target == nullptr) return;
-    wire::call<selector, Receiver, void, wire::Sent<Arguments>...>(target, wire::Form<Arguments>::out(arguments)...);
+    wire::call<selector, Receiver, void, wire::Sent<Arguments>...>(target, wire::Passing<Arguments>::out(arguments)...);
   } else {
     if (target == nullptr) return Result{};
-    return wire::Form<Result>::in(wire::call<selector, Receiver, wire::Sent<Result>, wire::Sent<Arguments>...>(
-        target, wire::Form<Arguments>::out(arguments)...));
+    return wire::Passing<Result>::in(wire::call<selector, Receiver, wire::Sent<Result>, wire::Sent<Arguments>...>(
+        target, wire::Passing<Arguments>::out(arguments)...));
   }
 }
 
 /// Sends a message to `receiver` as an instance of its superclass `superclass`.
-template <Name superclass, Name selector, class Result = void, class... Arguments>
+template <Literal superclass, Literal selector, class Result = void, class... Arguments>
 Result sendSuper(id receiver, const Arguments&... arguments) {
   return static_cast<Result>(wire::callSuper<wire::Sent<Result>, wire::Sent<Arguments>...>(
-      receiver, theClass<superclass>.found(), selectorNamed<selector>(), wire::Form<Arguments>::out(arguments)...));
+      receiver, theClass<superclass>.found(), selectorNamed<selector>(), wire::Passing<Arguments>::out(arguments)...));
 }
 
 /// Makes an object: alloc and init in one, since init takes over alloc's reference. Empty when the class is not
 /// loaded or init refuses.
-template <Name className, Name initializer, class Result = NSObject, class... Arguments>
+template <Literal className, Literal initializer, class Result = NSObject, class... Arguments>
 Result make(const Arguments&... arguments) {
   const id raw = send<"alloc", id>(theClass<className>);
   return Result(adopt, send<initializer, id>(raw, arguments...));

@@ -9,7 +9,10 @@ using namespace platform;
 
 namespace {
 
-/// Puts UTF-16 units in the order of the code points they stand for: surrogates, which spell those above 0xFFFF, last.
+/// A stand-in for a UTF-16 unit that sorts by code point. Code points above 0xFFFF are spelt with surrogates (0xD800 to
+/// 0xDFFF), which as numbers come before 0xE000 to 0xFFFF: U+FF5E is 0xFF5E, and U+1F600, which belongs after it,
+/// begins with 0xD83D. So surrogates move up to the end, and what stood behind them moves down into their place: 0xD83D
+/// becomes 0xF83D, 0xFF5E becomes 0xF75E.
 char16_t rank(char16_t unit) {
   constexpr char16_t firstSurrogate = 0xD800;
   constexpr char16_t surrogates = 0x800;

@@ -77,7 +77,7 @@ private:
   /// The modifiers that the rules count as held.
   static constexpr CGEventFlags primaryModifierFlags =
       kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;
-  static constexpr platform::Name finderBundleID = "com.apple.finder";
+  static constexpr platform::Literal finderBundleID = "com.apple.finder";
 
   /// For the callbacks: the tap's, which holds the remapper while it runs, and the confirmation's, which does not keep
   /// it.

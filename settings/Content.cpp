@@ -1,5 +1,5 @@
-#include "settings/Forms.hpp"
 #include "settings/MappingsWindowController.hpp"
+#include "settings/Views.hpp"
 #include "settings/WindowSizing.hpp"
 
 #include "platform/RuntimeClass.hpp"
@@ -52,6 +52,14 @@ NSImageView makeIconView() {
   return view;
 }
 
+/// The view covers the other one, from edge to edge.
+void pinEdges(const NSView& view, const NSView& other, std::vector<NSLayoutConstraint>& constraints) {
+  constraints.push_back(view.leadingAnchor().constraintEqualToAnchor(other.leadingAnchor()));
+  constraints.push_back(view.trailingAnchor().constraintEqualToAnchor(other.trailingAnchor()));
+  constraints.push_back(view.topAnchor().constraintEqualToAnchor(other.topAnchor()));
+  constraints.push_back(view.bottomAnchor().constraintEqualToAnchor(other.bottomAnchor()));
+}
+
 } // namespace
 
 MappingsWindowController::FlippedView MappingsWindowController::FlippedView::make() {
@@ -97,24 +105,19 @@ void MappingsWindowController::setupContent() {
   content.addSubview(settingsScrollView);
   settingsDocumentView.addSubview(iconFrame);
   settingsDocumentView.addSubview(settingsStack);
-  NSLayoutConstraint::activateConstraints(NSArray::of<NSLayoutConstraint>({
-      settingsScrollView.leadingAnchor().constraintEqualToAnchor(content.leadingAnchor()),
-      settingsScrollView.trailingAnchor().constraintEqualToAnchor(content.trailingAnchor()),
-      settingsScrollView.topAnchor().constraintEqualToAnchor(content.topAnchor()),
-      settingsScrollView.bottomAnchor().constraintEqualToAnchor(content.bottomAnchor()),
+  std::vector<NSLayoutConstraint> constraints{
       iconFrame.topAnchor().constraintEqualToAnchor(settingsDocumentView.topAnchor(), iconTopInset),
       iconFrame.centerXAnchor().constraintEqualToAnchor(settingsDocumentView.centerXAnchor()),
       iconFrame.widthAnchor().constraintEqualToConstant(iconSize),
       iconFrame.heightAnchor().constraintEqualToConstant(iconSize),
-      icon.leadingAnchor().constraintEqualToAnchor(iconFrame.leadingAnchor()),
-      icon.trailingAnchor().constraintEqualToAnchor(iconFrame.trailingAnchor()),
-      icon.topAnchor().constraintEqualToAnchor(iconFrame.topAnchor()),
-      icon.bottomAnchor().constraintEqualToAnchor(iconFrame.bottomAnchor()),
       settingsStack.leadingAnchor().constraintEqualToAnchor(settingsDocumentView.leadingAnchor(), settingsInset),
       settingsStack.trailingAnchor().constraintEqualToAnchor(settingsDocumentView.trailingAnchor(), -settingsInset),
       settingsStack.topAnchor().constraintEqualToAnchor(iconFrame.bottomAnchor(), settingsInset),
       settingsStack.bottomAnchor().constraintEqualToAnchor(settingsDocumentView.bottomAnchor(), -settingsInset),
-  }));
+  };
+  pinEdges(settingsScrollView, content, constraints);
+  pinEdges(icon, iconFrame, constraints);
+  NSLayoutConstraint::activateConstraints(NSArray::of(constraints));
   updateScrollLayout();
 }
 

@@ -1,5 +1,5 @@
-#include "settings/Forms.hpp"
 #include "settings/MappingsWindowController.hpp"
+#include "settings/Views.hpp"
 
 #include "platform/OpenPanel.hpp"
 

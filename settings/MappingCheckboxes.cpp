@@ -4,38 +4,22 @@ namespace tarnwick {
 
 using namespace platform;
 
-namespace {
-using Controller = MappingsWindowController;
-using Engine = KeyRemapper;
-} // namespace
-
-constinit const std::array<Controller::Binding, 14> Controller::bindings{{
-    {&Controller::clipboardCheckbox, &Engine::mapClipboard},
-    {&Controller::redoCheckbox, &Engine::mapRedo},
-    {&Controller::newFileCheckbox, &Engine::mapNewFile},
-    {&Controller::saveCheckbox, &Engine::mapSave},
-    {&Controller::wordSkipCheckbox, &Engine::mapWordSkip},
-    {&Controller::findCheckbox, &Engine::mapFind},
-    {&Controller::atQuoteSwapCheckbox, &Engine::mapAtQuoteSwap},
-    {&Controller::boldCheckbox, &Engine::mapBold},
-    {&Controller::underlineCheckbox, &Engine::mapUnderline},
-    {&Controller::italicCheckbox, &Engine::mapItalic},
-    {&Controller::lockScreenCheckbox, &Engine::mapLockScreen},
-    {&Controller::finderDeleteToBinCheckbox, &Engine::mapFinderDeleteToBin},
-    {&Controller::finderDeleteConfirmCheckbox, &Engine::mapFinderDeleteConfirm},
-    {&Controller::finderRenameCheckbox, &Engine::mapFinderRename},
-}};
+NSButton MappingsWindowController::makeCheckbox(const char* title, bool KeyRemapper::*flag) {
+  auto checkbox = NSButton::checkboxWithTitle(NSString::utf8(title), self, selectorNamed<"toggleMapping:">());
+  checkbox.setButtonType(NSButtonTypeSwitch);
+  bindings.push_back({checkbox, flag});
+  return checkbox;
+}
 
 void MappingsWindowController::updateCheckboxes() {
   for (const auto& [checkbox, flag] : bindings)
-    (this->*checkbox).setState((*remapper).*flag ? NSControlStateValueOn : NSControlStateValueOff);
+    checkbox.setState((*remapper).*flag ? NSControlStateValueOn : NSControlStateValueOff);
 }
 
 void MappingsWindowController::toggleMapping(id sender) {
   for (const auto& [checkbox, flag] : bindings) {
-    const NSButton& candidate = this->*checkbox;
-    if (!candidate || candidate.object() != sender) continue;
-    (*remapper).*flag = candidate.state() == NSControlStateValueOn;
+    if (!checkbox || checkbox.object() != sender) continue;
+    (*remapper).*flag = checkbox.state() == NSControlStateValueOn;
     return;
   }
 }

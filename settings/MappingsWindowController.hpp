@@ -5,8 +5,8 @@
 #include "platform/Window.hpp"
 #include "remap/KeyRemapper.hpp"
 
-#include <array>
 #include <memory>
+#include <vector>
 
 namespace tarnwick {
 
@@ -48,10 +48,9 @@ private:
 
   /// A checkbox and the switch that it shows.
   struct Binding {
-    platform::NSButton MappingsWindowController::*checkbox;
+    platform::NSButton checkbox;
     bool KeyRemapper::*flag;
   };
-  static const std::array<Binding, 14> bindings;
 
   /// The run-time object that this is the state of; it is the target of the window's controls.
   id self;
@@ -73,6 +72,8 @@ private:
   platform::NSButton finderDeleteToBinCheckbox;
   platform::NSButton finderRenameCheckbox;
   platform::NSButton finderDeleteConfirmCheckbox;
+  /// Of all of these, in the order of the rows.
+  std::vector<Binding> bindings;
   platform::NSStackView exemptionsListStack;
   platform::NSButton openLoginItemsButton;
   platform::NSScrollView settingsScrollView;
@@ -89,7 +90,8 @@ private:
   void addRows();
   [[nodiscard]] platform::NSView makeAboutRow() const;
   [[nodiscard]] platform::NSView makeExemptionRow(const platform::NSString& bundleID) const;
-  [[nodiscard]] platform::NSButton makeCheckbox(const char* title) const;
+  /// A checkbox that shows this switch and sets it.
+  platform::NSButton makeCheckbox(const char* title, bool KeyRemapper::*flag);
   [[nodiscard]] platform::NSButton makeButton(const char* title, SEL action) const;
 
   void updateScrollLayout();

@@ -1,5 +1,5 @@
-#include "settings/Forms.hpp"
 #include "settings/MappingsWindowController.hpp"
+#include "settings/Views.hpp"
 
 namespace tarnwick {
 
@@ -63,27 +63,29 @@ void MappingsWindowController::addRows() {
       makeAboutRow(),
 
       makeHeading("General Shortcuts"),
-      clipboardCheckbox = makeCheckbox("Clipboard (Ctrl+C/V/X/A/Z)"),
-      redoCheckbox = makeCheckbox("Redo (Ctrl+Y -> Cmd+Shift+Z)"),
-      newFileCheckbox = makeCheckbox("New (Ctrl+N)"),
-      saveCheckbox = makeCheckbox("Save (Ctrl+S)"),
-      wordSkipCheckbox = makeCheckbox("Word Skip (Ctrl+Left/Right)"),
-      findCheckbox = makeCheckbox("Find (Ctrl+F)"),
-      atQuoteSwapCheckbox = makeCheckbox("Swap @ and \""),
+      clipboardCheckbox = makeCheckbox("Clipboard (Ctrl+C/V/X/A/Z)", &KeyRemapper::mapClipboard),
+      redoCheckbox = makeCheckbox("Redo (Ctrl+Y -> Cmd+Shift+Z)", &KeyRemapper::mapRedo),
+      newFileCheckbox = makeCheckbox("New (Ctrl+N)", &KeyRemapper::mapNewFile),
+      saveCheckbox = makeCheckbox("Save (Ctrl+S)", &KeyRemapper::mapSave),
+      wordSkipCheckbox = makeCheckbox("Word Skip (Ctrl+Left/Right)", &KeyRemapper::mapWordSkip),
+      findCheckbox = makeCheckbox("Find (Ctrl+F)", &KeyRemapper::mapFind),
+      atQuoteSwapCheckbox = makeCheckbox("Swap @ and \"", &KeyRemapper::mapAtQuoteSwap),
 
       makeHeading("Text Editing"),
-      boldCheckbox = makeCheckbox("Bold (Ctrl+B)"),
-      underlineCheckbox = makeCheckbox("Underline (Ctrl+U)"),
-      italicCheckbox = makeCheckbox("Italic (Ctrl+I)"),
+      boldCheckbox = makeCheckbox("Bold (Ctrl+B)", &KeyRemapper::mapBold),
+      underlineCheckbox = makeCheckbox("Underline (Ctrl+U)", &KeyRemapper::mapUnderline),
+      italicCheckbox = makeCheckbox("Italic (Ctrl+I)", &KeyRemapper::mapItalic),
 
       makeHeading("System"),
       lockScreenCheckbox =
-          makeCheckbox("Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)"),
+          makeCheckbox("Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)",
+                       &KeyRemapper::mapLockScreen),
 
       makeHeading("Finder"),
-      finderDeleteToBinCheckbox = makeCheckbox("Forward Delete key moves selection to Bin"),
-      finderDeleteConfirmCheckbox = makeCheckbox("Confirm before moving to Bin"),
-      finderRenameCheckbox = makeCheckbox("Rename selected item (F2 -> Return)"),
+      finderDeleteToBinCheckbox =
+          makeCheckbox("Forward Delete key moves selection to Bin", &KeyRemapper::mapFinderDeleteToBin),
+      finderDeleteConfirmCheckbox = makeCheckbox("Confirm before moving to Bin", &KeyRemapper::mapFinderDeleteConfirm),
+      finderRenameCheckbox = makeCheckbox("Rename selected item (F2 -> Return)", &KeyRemapper::mapFinderRename),
 
       makeSeparator(),
       makeHeading("App Exemptions"),
@@ -107,12 +109,6 @@ NSView MappingsWindowController::makeAboutRow() const {
   about.setBezelStyle(NSBezelStyleInline);
   about.setContentTintColor(NSColor::labelColor());
   return makeCentered(about);
-}
-
-NSButton MappingsWindowController::makeCheckbox(const char* title) const {
-  auto checkbox = NSButton::checkboxWithTitle(NSString::utf8(title), self, selectorNamed<"toggleMapping:">());
-  checkbox.setButtonType(NSButtonTypeSwitch);
-  return checkbox;
 }
 
 NSButton MappingsWindowController::makeButton(const char* title, SEL action) const {

@@ -196,13 +196,13 @@ public:
     objc_registerClassPair(cls);
   }
 
-  template <platform::Name selector, auto member> NativeClass& method() { return add<selector, member>(cls); }
-  template <platform::Name selector, auto function> NativeClass& classMethod() {
+  template <platform::Literal selector, auto member> NativeClass& method() { return add<selector, member>(cls); }
+  template <platform::Literal selector, auto function> NativeClass& classMethod() {
     return add<selector, function>(cls->isa);
   }
 
 private:
-  template <platform::Name selector, auto member> NativeClass& add(Class to) {
+  template <platform::Literal selector, auto member> NativeClass& add(Class to) {
     using Entry = native::Entry<member>;
     class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Entry::call),
                     Entry::Signature::encoding.text);
