@@ -1,7 +1,6 @@
-#!/usr/bin/env python3
 """Holds the finished application against what a Mac with macOS 13 would load, and prints its figures.
 
-`check.py Tarnwick.app Tarnwick.zip` exits 0, or prints a sentence for each thing that is wrong and exits 1.
+`python3 -m macos.check Tarnwick.app Tarnwick.zip` exits 0, or prints a sentence for each thing that is wrong and exits 1.
 """
 import plistlib
 import re
@@ -10,9 +9,8 @@ import sys
 from pathlib import Path
 from xml.parsers.expat import ExpatError
 
-import macho
-import sysroot
-from sysroot import OLDEST_SYSTEM
+from macos import macho, sysroot
+from macos.sysroot import OLDEST_SYSTEM
 
 PLATFORM_MACOS = 1
 FLAG_TWO_LEVEL, FLAG_STACK_EXECUTION, FLAG_PIE = 0x80, 0x20000, 0x200000
@@ -189,7 +187,7 @@ def figures(image):
 def main(arguments):
     """Status 0 when the application is as it should be, 1 with sentences otherwise."""
     if len(arguments) != 2:
-        print("usage: check.py BUNDLE ARCHIVE", file=sys.stderr)
+        print("usage: python3 -m macos.check BUNDLE ARCHIVE", file=sys.stderr)
         return 2
     try:
         problems, lines = check_bundle(Path(arguments[0]), Path(arguments[1]))

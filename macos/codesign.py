@@ -11,7 +11,7 @@ import struct
 from pathlib import Path
 from xml.parsers.expat import ExpatError
 
-import macho
+from macos import macho
 
 EMBEDDED_SIGNATURE = 0xFADE0CC0
 CODE_DIRECTORY = 0xFADE0C02

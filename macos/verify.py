@@ -1,7 +1,6 @@
-#!/usr/bin/env python3
 """Verifies the signature of a bundle from what lies on the disk, with no knowledge of how it was signed.
 
-`verify.py Tarnwick.app` prints one line for each signed program and exits 0, or prints what is wrong and exits 1.
+`python3 -m macos.verify Tarnwick.app` prints one line for each signed program and exits 0, or prints what is wrong and exits 1.
 """
 import hashlib
 import os
@@ -12,7 +11,7 @@ import sys
 from pathlib import Path
 from xml.parsers.expat import ExpatError
 
-import macho
+from macos import macho
 
 EMBEDDED_SIGNATURE = 0xFADE0CC0
 CODE_DIRECTORY = 0xFADE0C02
@@ -207,7 +206,7 @@ def verify_nothing_added(name, root, program, sealed):
 def main(arguments):
     """Status 0 when the bundle is intact, 1 with a sentence otherwise."""
     if len(arguments) != 1:
-        print("usage: verify.py BUNDLE", file=sys.stderr)
+        print("usage: python3 -m macos.verify BUNDLE", file=sys.stderr)
         return 2
     try:
         for line in verify_bundle(Path(arguments[0]))[1]:

@@ -2,6 +2,8 @@
 
 Only what the binary interface tells apart counts: every pointer is `^`, every object `@`.
 """
+import re
+
 PROCESSORS = ("arm64", "x86_64")
 
 POINT, SIZE = "{CGPoint=dd}", "{CGSize=dd}"
@@ -51,6 +53,21 @@ class Types:
         if name in self.learned:
             return {self.learned[name]}
         return set(ENUMERATION) if name.startswith("NS") else set()
+
+
+ENCODED = re.compile(r"\^*(?:\{[^=]*=(?:[^{}]|\{[^{}]*\})*\}|@\?|\^\?|[a-zA-Z@#:*?])")
+
+
+def encoded_parts(text):
+    """An Objective-C type encoding, result and arguments, as a list of single codes."""
+    parts, position = [], 0
+    while position < len(text):
+        found = ENCODED.match(text, position)
+        if not found:
+            return []
+        parts.append(found[0])
+        position = found.end()
+    return parts
 
 
 def size(code):

@@ -5,10 +5,10 @@ names of the instances are read.
 """
 import re
 
-from facts import close_to
-from messages import cpp_code
-from program import Code, demangled, includes, template, text_of
-from sysroot import OLDEST_SYSTEM
+from macos.interface.facts import close_to
+from macos.interface.messages import cpp_code
+from macos.interface.program import Code, demangled, includes, template, text_of
+from macos.sysroot import OLDEST_SYSTEM
 
 REPORT = """
 #include <concepts>
@@ -43,6 +43,7 @@ C_DECLARATION = re.compile(r'^extern "C" ([^{};]*;)', re.MULTILINE)
 FUNCTION = re.compile(r"^(?!using|extern|typedef)[\w:* ]*?[ *](\w+)\([^;{}]*\);", re.MULTILINE)
 VARIABLE = re.compile(r"^(?!struct \w+;|using |typedef )\w[^;(){}=\n]*[ *](\w+);", re.MULTILINE)
 PLATFORM_NAME = re.compile(r"^(?:NS|CF|CG|AX|UT)[A-Z]|^k(?:CF|CG|AX|VK|UT)|^DISPATCH_")
+CONSTANT_NAME = re.compile(r"\bk(?:CF|CG|AX|UT|VK_)[A-Z0-9]\w*")
 CONSTANT = re.compile(r"\bconstexpr ([\w:<> ]+?)[ *&]+(\w+)(?:\[\])?\s*(?:=\s*([^;]+?)|\{([^;]*)\});")
 ENUMERATION = re.compile(r"\benum\s*\w*\s*(?::\s*[\w: ]+)?\{([^}]*)\}")
 ACCESSIBILITY_TEXT = re.compile(r'"(AX[A-Z]\w*)"')
@@ -101,6 +102,7 @@ class Declarations:
         for name, file, expression in constants:
             yield from self.check_constant_name(name, file, expression)
         yield from self.check_texts()
+        yield from self.check_unread()
 
     def named(self, pattern):
         """What the C declarations of the program name."""
@@ -111,13 +113,16 @@ class Declarations:
         """The platform's constants that the program declares: name, file, and what says its value in C++."""
         for file, text in self.sources.items():
             for body in ENUMERATION.findall(text):
-                for name in re.findall(r"\b(\w+)\s*=", body):
-                    yield name, file, name
+                for name, value in re.findall(r"\b(\w+)\s*=\s*([^,]+)", body):
+                    if file.startswith("platform/"):
+                        yield name, file, name
+                    elif PLATFORM_NAME.match(name):
+                        yield name, file, value
             for kind, name, value, braced in CONSTANT.findall(text):
                 value = value or braced
                 if PLATFORM_NAME.match(name) and "<" not in kind:
-                    text_value = value.startswith('"')
-                    yield name, file, value if text_value else f"static_cast<{kind}>({value})"
+                    typed = kind != "auto" and not value.startswith('"')
+                    yield name, file, f"static_cast<{kind}>({value})" if typed else value
 
     def report(self, functions, variables, constants):
         """The instances' names, as the compiler made them from the program's declarations."""
@@ -205,6 +210,13 @@ class Declarations:
             yield f"{file}: the platform has no constant {name}{close_to(name, self.facts.constants)}"
         elif expression.startswith('"') and expression not in known:
             yield f"{file}: {name} is {' or '.join(known)} on the platform, the program has {expression}"
+
+    def check_unread(self):
+        """A constant that is written in another way than the ones above would go unchecked."""
+        read = {name for name, *_ in self.constants()} | self.named(VARIABLE)
+        for file, text in self.sources.items():
+            for name in sorted(set(CONSTANT_NAME.findall(text)) - read):
+                yield f"{file}: the declaration of {name} is not understood; write `constexpr TYPE {name} = VALUE;`"
 
     def check_texts(self):
         """Accessibility's names are texts; a wrong one is silently unknown there."""

@@ -3,8 +3,8 @@ import difflib
 from dataclasses import dataclass
 from pathlib import Path
 
-import abi
-from sysroot import OLDEST_SYSTEM
+from macos.interface import abi
+from macos.sysroot import OLDEST_SYSTEM
 
 FACTS = Path(__file__).resolve().parent / "facts"
 # darwinkit was made from macOS 12's headers: what it records, macOS 13 has. The other bindings follow newer systems.

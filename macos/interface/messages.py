@@ -2,9 +2,8 @@
 facts. Each function yields sentences."""
 import re
 
-import abi
-from facts import close_to
-from notations import encoded_parts
+from macos.interface import abi
+from macos.interface.facts import close_to
 
 CPP_CODES = {
     "void": "v", "bool": "B", "char": "c", "signed char": "c", "unsigned char": "C", "short": "s",
@@ -22,7 +21,7 @@ def cpp_code(kind):
 
 def single_codes(encoding):
     """A method's encoding as codes, every pointer the same; receiver and selector left out."""
-    codes = ["^" if code.startswith("^") or code == "*" else code for code in encoded_parts(encoding)]
+    codes = ["^" if code.startswith("^") or code == "*" else code for code in abi.encoded_parts(encoding)]
     return codes[:1] + codes[3:] if codes[1:3] == ["@", ":"] else []
 
 

@@ -11,8 +11,6 @@ from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 
-from notations import split_balanced
-
 FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
 COMPILER = "clang++-19"
@@ -64,8 +62,8 @@ class Asked:
 
 
 def own_files(root, pattern, folders):
-    """The program's files, as paths from the root."""
-    return sorted(str(path.relative_to(root)) for folder in folders for path in (root / folder).glob(pattern))
+    """Files of the repository, as paths from its root."""
+    return sorted(str(path.relative_to(root)) for folder in folders for path in (root / folder).rglob(pattern))
 
 
 def mac_options(root, headers, processor):
@@ -104,9 +102,9 @@ class Compiler:
         """The intermediate code, as text."""
         return self.run(*options, "-include-pch", str(self.prefix), "-S", "-emit-llvm", "-o", "-", source=source)
 
-    def preprocessed(self):
-        """The program's own headers and sources as this processor's compiler reads them, by file."""
-        files = own_files(self.root, "*.hpp", HEADER_FOLDERS) + own_files(self.root, "*.cpp", FOLDERS)
+    def preprocessed(self, folders=HEADER_FOLDERS):
+        """The headers and sources of these folders as this processor's compiler reads them, by file."""
+        files = own_files(self.root, "*.hpp", folders) + own_files(self.root, "*.cpp", folders)
         text = self.run("-E", source="".join(f'#include "{name}"\n' for name in files))
         lines, current = defaultdict(list), None
         for line in text.splitlines():
@@ -142,6 +140,8 @@ def system_includes(root):
     return "".join(f"#if __has_include({name})\n#include {name}\n#endif\n" for name in sorted(names))
 
 
+ENCODING = "8encodingE"  # how the mangled name of a registered method's encoding ends: `encoding` in platform/
+FOLLOW = "macos/interface/program.py must follow"
 SYMBOL = re.compile(r'@"?([\w.$]+)"?')
 TEXT_CONSTANT = re.compile(r'^@"?([\w.$]+)"? = .*?c"((?:[^"\\]|\\[0-9A-F]{2})*)\\00"', re.MULTILINE)
 
@@ -197,6 +197,22 @@ def closing(name, position):
     return len(name)
 
 
+def split_balanced(text, separator):
+    """Splits where no bracket is open. The arrow of a function type closes nothing."""
+    parts, depth, current = [], 0, ""
+    for character in text:
+        if character in "<([":
+            depth += 1
+        elif character in ")]" or character == ">" and not current.endswith("-"):
+            depth -= 1
+        if character == separator and depth == 0:
+            parts.append(current.strip())
+            current = ""
+        else:
+            current += character
+    return [part for part in [*parts, current.strip()] if part]
+
+
 def template(name, prefix):
     """The template arguments of `prefix<...>` in a name, outside of other brackets; None when it is something else."""
     position = 0
@@ -242,6 +258,8 @@ class Reader:
         """Everything, from all functions."""
         for symbol, used in self.code.uses.items():
             self.read_function(symbol, self.name(symbol), used)
+        if not self.asked.methods:
+            raise ProgramError(f"no method of a run-time class is found: {FOLLOW} platform/RuntimeClass.hpp")
         self.asked.imports = {name for name in self.code.declared - self.code.defined
                               if not name.startswith(("_Z", "llvm."))}
         return self.asked
@@ -275,8 +293,7 @@ class Reader:
                 ways = {way for way in self.code.uses.get(symbol, ()) if way.startswith("objc_msgSend")}
                 result, *arguments = types[ahead:]
                 return result, arguments, " ".join(sorted(ways))
-        raise ProgramError(f"a message does not end in {entry}: macos/interface/program.py must follow "
-                           "platform/Send.hpp")
+        raise ProgramError(f"a message does not end in {entry}: {FOLLOW} platform/Send.hpp")
 
     def add(self, symbol, receiver, kind, selector, classes, sent):
         """Notes one message. `classes` are those of result and arguments as the program names them."""
@@ -319,8 +336,10 @@ class Reader:
         """RuntimeClass<State, class, superclass>::method<selector, member>()"""
         owner = template(name, "platform::RuntimeClass")
         method = re.search(r'>::method<("[^"]*"), ', name)
-        encodings = [self.code.texts[symbol] for symbol in used if symbol.endswith("8encodingE")]
-        if owner and method and encodings:
+        if owner and method:
+            encodings = [self.code.texts[symbol] for symbol in used if symbol.endswith(ENCODING)]
+            if not encodings:
+                raise ProgramError(f"{name} registers no encoding that is read: {FOLLOW} platform/RuntimeClass.hpp")
             self.asked.methods.append(OwnMethod(text_of(owner[1]), text_of(owner[2]), text_of(method[1]),
                                                 encodings[0]))
 

@@ -1,19 +1,12 @@
 """Small Mac programs and bundles, compiled here, for the tests of the scripts in macos/ to examine and to damage."""
-import importlib.machinery
-import importlib.util
 import os
 import plistlib
 import subprocess
-import sys
 from pathlib import Path
 
+from macos import macho, sysroot
+
 ROOT = Path(__file__).resolve().parents[2]
-sys.dont_write_bytecode = True
-sys.path.insert(0, str(ROOT / "macos"))
-
-import macho  # noqa: E402
-import sysroot  # noqa: E402
-
 PROCESSORS = ("arm64", "x86_64")
 SOURCE = """
 extern void *objc_getClass(const char *);
@@ -22,14 +15,6 @@ int main(void) { return objc_getClass("NSObject") == kCFRunLoopCommonModes; }
 """
 LINK_OPTIONS = ["-fuse-ld=lld", "-nostdlib", "-Wl,-adhoc_codesign", "-Wl,-dead_strip", "-Wl,-S", "-Wl,-x"]
 PROGRAM_OPTIONS = ["-Wl,-exported_symbol,__mh_execute_header"]
-
-
-def load_script(path):
-    """A script without the usual suffix, as a module."""
-    loader = importlib.machinery.SourceFileLoader(path.name, str(path))
-    module = importlib.util.module_from_spec(importlib.util.spec_from_loader(path.name, loader))
-    loader.exec_module(module)
-    return module
 
 
 def link(folder, processor, source=SOURCE, options=(), libraries=None):

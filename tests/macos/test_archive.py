@@ -6,7 +6,7 @@ import unittest
 from pathlib import Path
 
 import fixture
-import archive
+from macos import archive
 
 
 class Archive(unittest.TestCase):

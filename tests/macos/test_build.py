@@ -7,8 +7,8 @@ from pathlib import Path
 from unittest import mock
 
 import fixture
+from macos import build
 
-build = fixture.load_script(fixture.ROOT / "macos" / "build")
 SOURCES = ("app", "remap", "settings", "platform", "bundle", "macos")
 
 
@@ -26,7 +26,7 @@ class Build(unittest.TestCase):
         shutil.copytree(cls.first, cls.second)
 
     def build(self, place, *options):
-        result = subprocess.run([place / "macos" / "build", *options], capture_output=True, text=True, check=False)
+        result = subprocess.run(["python3", "-B", "-m", "macos.build", *options], cwd=place, capture_output=True, text=True, check=False)
         return result.returncode, result.stdout + result.stderr
 
     def test_same_archive_from_two_places(self):
@@ -48,7 +48,7 @@ class Build(unittest.TestCase):
 
     def test_framework_that_is_none(self):
         status, said = self.build(self.second, "--framework", str(self.second / "app"))
-        self.assertEqual((status, said), (1, f"macos/build: {self.second / 'app'} is not a framework\n"))
+        self.assertEqual((status, said), (1, f"./dev app: {self.second / 'app'} is not a framework\n"))
 
 
 class Mac(unittest.TestCase):

@@ -7,9 +7,9 @@ import unittest
 from pathlib import Path
 
 import fixture
+from bundle import render
 
 BUNDLE = fixture.ROOT / "bundle"
-render = fixture.load_script(BUNDLE / "render")
 PIXELS = {b"ic11": 32, b"ic12": 64, b"ic07": 128, b"ic08": 256, b"ic13": 256, b"ic09": 512, b"ic14": 512, b"ic10": 1024}
 
 
@@ -55,7 +55,7 @@ class Rendering(unittest.TestCase):
         shutil.copytree(BUNDLE, self.folder)
 
     def check(self):
-        result = subprocess.run([self.folder / "render", "--check"], capture_output=True, text=True, check=False)
+        result = subprocess.run([self.folder / "render.py", "--check"], capture_output=True, text=True, check=False)
         return result.returncode, result.stderr
 
     def redraw(self, name, old, new):

@@ -6,9 +6,7 @@ from pathlib import Path
 from unittest import mock
 
 import fixture
-import check
-import macho
-import sysroot
+from macos import check, macho, sysroot
 
 
 class Check(unittest.TestCase):

@@ -5,9 +5,7 @@ import unittest
 from pathlib import Path
 
 import fixture
-import codesign
-import macho
-import verify
+from macos import codesign, macho, verify
 
 
 def flip(path, position):

@@ -1,21 +1,14 @@
 """A small program that asks the platform for what it has not; the proof of the interface must name each mistake."""
 import os
 import shutil
-import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 import fixture
-
-sys.path.insert(0, str(fixture.ROOT / "macos" / "interface"))
-
-import abi  # noqa: E402
-import declarations  # noqa: E402
-import messages  # noqa: E402
-import program  # noqa: E402
-import sysroot  # noqa: E402
-from facts import Facts  # noqa: E402
+from macos import sysroot
+from macos.interface import abi, declarations, messages, program
+from macos.interface.facts import Facts
 
 CORRECT = """
 #include "platform/Alert.hpp"
@@ -93,6 +86,7 @@ METHODS = {
 }
 DECLARED = {
     "inline constexpr int kVK_F5 = 0x61;": "kVK_F5 is 96 on the platform, the program has 97",
+    "inline const int kVK_F6 = 0x61;": "the declaration of kVK_F6 is not understood",
     "inline constexpr double NSVariableStatusItemLength = -1.5;": "NSVariableStatusItemLength is -1 .* has -1.5",
     "enum { kCGEventFlagMaskHelp = 1 };": "kCGEventFlagMaskHelp is 4194304 on the platform, the program has 1",
     "inline constexpr int kVK_F21 = 1;": "the platform has no constant kVK_F21; close: .*kVK_F2",
@@ -181,6 +175,10 @@ class Interface(unittest.TestCase):
         for mistake, sentence in {**MESSAGES, **METHODS, **DECLARED, **headers}.items():
             with self.subTest(mistake):
                 self.assertRegex(said, sentence)
+
+    def test_nothing_to_read_is_no_proof(self):
+        with self.assertRaisesRegex(program.ProgramError, "program.py must follow platform/RuntimeClass.hpp"):
+            program.Reader("arm64", program.Code()).read()
 
     def test_imports(self):
         libraries = {library.name: library for library in sysroot.read_libraries()}

@@ -5,7 +5,7 @@ import unittest
 from pathlib import Path
 
 import fixture
-import sysroot
+from macos import sysroot
 
 
 class Sysroot(unittest.TestCase):

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """Builds the Mac application: build/macos/Tarnwick.app and build/macos/Tarnwick.zip.
 
 On a Mac with Apple's compiler, headers and codesign; elsewhere with Debian's clang 19, open headers and the link stubs
@@ -12,17 +11,10 @@ import subprocess
 import sys
 from pathlib import Path
 
+from macos import archive, check, codesign, macho, sysroot, verify
+
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent
-sys.path.insert(0, str(HERE))
-sys.dont_write_bytecode = True
-
-import archive  # noqa: E402
-import check  # noqa: E402
-import codesign  # noqa: E402
-import macho  # noqa: E402
-import sysroot  # noqa: E402
-import verify  # noqa: E402
 
 PROCESSORS = ("arm64", "x86_64")
 TOOLS = {"cmake": "cmake", "ninja": "ninja-build", "clang++-19": "clang-19", "ld64.lld-19": "lld-19",
@@ -121,7 +113,7 @@ def build(output, identity, frameworks):
 
 def main():
     """Status 0 when the application is there, 1 with a sentence otherwise."""
-    parser = argparse.ArgumentParser(prog="macos/build", description="Builds Tarnwick.app and Tarnwick.zip.")
+    parser = argparse.ArgumentParser(prog="./dev app", description="Builds Tarnwick.app and Tarnwick.zip.")
     parser.add_argument("--output", type=Path, default=ROOT / "build" / "macos", help="default: build/macos")
     parser.add_argument("--identity", help="Developer ID to sign with, on a Mac; default: ad hoc")
     parser.add_argument("--framework", type=Path, action="append", default=[], help="a framework to put into the bundle")
@@ -130,7 +122,7 @@ def main():
         build(options.output.resolve(), options.identity, options.framework)
     except (BuildError, sysroot.SysrootError, codesign.SigningError, verify.VerificationError,
             macho.MachOError, OSError) as error:
-        print(f"macos/build: {error}", file=sys.stderr)
+        print(f"./dev app: {error}", file=sys.stderr)
         return 1
     print(f"{options.output / 'Tarnwick.app'} and {options.output / 'Tarnwick.zip'} are ready")
     return 0

@@ -185,7 +185,7 @@ def compare(name, committed, rendered):
     worst = max(abs(a - b) for a, b in zip(old, new))
     if worst > TOLERANCE:
         raise RenderError(f"{name} is not what its drawing renders to (a channel differs by {worst}): "
-                          "run bundle/render, look at the result and commit it")
+                          "run bundle/render.py, look at the result and commit it")
 
 
 def check():
@@ -193,7 +193,7 @@ def check():
     compare("MenuBarTemplate.png", (HERE / "MenuBarTemplate.png").read_bytes(), render_status())
     old, new = icon_entries((HERE / "AppIcon.icns").read_bytes()), icon_entries(render_icon())
     if list(old) != list(new):
-        raise RenderError("AppIcon.icns does not hold the sizes that bundle/render makes")
+        raise RenderError("AppIcon.icns does not hold the sizes that bundle/render.py makes")
     for kind, body in new.items():
         compare(f"AppIcon.icns ({kind.decode()})", old[kind], body)
 
@@ -204,7 +204,7 @@ def main(arguments):
         if arguments == ["--check"]:
             check()
         elif arguments:
-            raise RenderError("usage: bundle/render [--check]")
+            raise RenderError("usage: bundle/render.py [--check]")
         else:
             (HERE / "AppIcon.icns").write_bytes(render_icon())
             (HERE / "MenuBarTemplate.png").write_bytes(render_status())

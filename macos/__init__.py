@@ -1,0 +1,1 @@
+"""Building, signing and checking the Mac application, on a Mac and elsewhere."""
