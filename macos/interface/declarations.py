@@ -17,9 +17,9 @@ namespace tarnwick {}
 using namespace platform;
 using namespace tarnwick;
 namespace report {
-template <platform::Name name, class Result, class... Arguments> void function(Result (*)(Arguments...)) {}
-template <platform::Name name, class Type> void variable(Type*) {}
-template <platform::Name name, long long thousandths> void constant() {}
+template <platform::Literal name, class Result, class... Arguments> void function(Result (*)(Arguments...)) {}
+template <platform::Literal name, class Type> void variable(Type*) {}
+template <platform::Literal name, long long thousandths> void constant() {}
 template <class Type, long size, bool isSigned> void enumeration() {}
 template <std::integral Type> constexpr long long thousandths(Type value) { return 1000LL * static_cast<long>(value); }
 template <std::floating_point Type> constexpr long long thousandths(Type value) { return 1000 * value; }

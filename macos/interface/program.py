@@ -177,11 +177,11 @@ def demangled(names):
 
 
 def with_texts(name):
-    """A platform::Name as the text that it holds."""
+    """A platform::Literal as the text that it holds."""
     def text(found):
         codes = [int(code) for code in re.findall(r"\(char\)(-?\d+)", found[0])]
         return json.dumps(bytes(code & 0xFF for code in codes).decode(errors="replace"))
-    return re.sub(r"platform::Name<\d+ul>\{(?:char \[\d+\]\{[^}]*\})?\}", text, name)
+    return re.sub(r"platform::Literal<\d+ul>\{(?:char \[\d+\]\{[^}]*\})?\}", text, name)
 
 
 BRACKET = re.compile(r'"(?:[^"\\]|\\.)*"|[<>(){}]')
@@ -228,6 +228,8 @@ def template(name, prefix):
 
 def text_of(argument):
     """A template argument that is a text."""
+    if not argument.startswith('"'):
+        raise ProgramError(f"{argument} is not read as a text: {FOLLOW} platform/Encoding.hpp")
     return json.loads(argument)
 
 
