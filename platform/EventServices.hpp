@@ -24,10 +24,14 @@ enum CGEventType : std::uint32_t {
 
 using CGEventFlags = std::uint64_t;
 enum : CGEventFlags {
+  kCGEventFlagMaskNonCoalesced = 0x100,
+  kCGEventFlagMaskAlphaShift = 0x10000,
   kCGEventFlagMaskShift = 0x20000,
   kCGEventFlagMaskControl = 0x40000,
   kCGEventFlagMaskAlternate = 0x80000,
   kCGEventFlagMaskCommand = 0x100000,
+  kCGEventFlagMaskNumericPad = 0x200000,
+  kCGEventFlagMaskHelp = 0x400000,
   kCGEventFlagMaskSecondaryFn = 0x800000,
 };
 

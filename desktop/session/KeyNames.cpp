@@ -2,7 +2,7 @@
 
 #include "desktop/quartz/Fact.hpp"
 #include "desktop/session/Words.hpp"
-#include "platform/EventServices.hpp"
+#include "platform/KeyCodes.hpp"
 
 #include <algorithm>
 #include <iterator>
@@ -12,13 +12,12 @@ namespace desktop {
 
 namespace {
 
-constexpr std::uint64_t capsLock = 0x10000;
-
 struct Modifier {
   std::string_view name;
   std::uint64_t flag;
 };
 
+// clang-format off
 // In the order in which people are told them; of two names with one flag the first is told.
 constexpr Modifier modifiers[] = {
     {"Cmd", kCGEventFlagMaskCommand},
@@ -27,9 +26,10 @@ constexpr Modifier modifiers[] = {
     {"Option", kCGEventFlagMaskAlternate},
     {"Alt", kCGEventFlagMaskAlternate},
     {"Shift", kCGEventFlagMaskShift},
-    {"Caps", capsLock},
+    {"Caps", kCGEventFlagMaskAlphaShift},
     {"Fn", kCGEventFlagMaskSecondaryFn},
 };
+// clang-format on
 
 struct Key {
   std::string_view name;
@@ -37,23 +37,26 @@ struct Key {
   std::uint64_t ownFlags = 0;
 };
 
-constexpr std::uint64_t arrow = 0xa00000;
-constexpr std::uint64_t function = kCGEventFlagMaskSecondaryFn;
+// What some keys carry without a modifier being held.
+constexpr CGEventFlags function = kCGEventFlagMaskSecondaryFn;
+constexpr CGEventFlags arrow = kCGEventFlagMaskNumericPad | kCGEventFlagMaskSecondaryFn;
 
-// The codes of the ANSI layout follow the places of the keys, so there is no order to exploit.
 // clang-format off
 constexpr Key keys[] = {
-    {"A", 0}, {"B", 11}, {"C", 8}, {"D", 2}, {"E", 14}, {"F", 3}, {"G", 5}, {"H", 4}, {"I", 34}, {"J", 38}, {"K", 40},
-    {"L", 37}, {"M", 46}, {"N", 45}, {"O", 31}, {"P", 35}, {"Q", 12}, {"R", 15}, {"S", 1}, {"T", 17}, {"U", 32},
-    {"V", 9}, {"W", 13}, {"X", 7}, {"Y", 16}, {"Z", 6}, {"0", 29}, {"1", 18}, {"2", 19}, {"3", 20}, {"4", 21},
-    {"5", 23}, {"6", 22}, {"7", 26}, {"8", 28}, {"9", 25}, {"Quote", 39}, {"Return", 36}, {"Delete", 51},
-    {"Space", 49}, {"Tab", 48}, {"Escape", 53}, {"ForwardDelete", 117, function}, {"Left", 123, arrow},
-    {"Right", 124, arrow}, {"Up", 126, arrow}, {"Down", 125, arrow}, {"F1", 122, function}, {"F2", 120, function},
-    {"F3", 99, function}, {"F4", 118, function}, {"F5", 96, function}, {"F6", 97, function}, {"F7", 98, function},
-    {"F8", 100, function}, {"F9", 101, function}, {"F10", 109, function}, {"F11", 103, function},
-    {"F12", 111, function}, {"F13", 105, function}, {"F14", 107, function}, {"F15", 113, function},
-    {"F16", 106, function}, {"F17", 64, function}, {"F18", 79, function}, {"F19", 80, function},
-    {"F20", 90, function},
+    {"A", kVK_ANSI_A}, {"B", kVK_ANSI_B}, {"C", kVK_ANSI_C}, {"D", kVK_ANSI_D}, {"E", kVK_ANSI_E}, {"F", kVK_ANSI_F},
+    {"G", kVK_ANSI_G}, {"H", kVK_ANSI_H}, {"I", kVK_ANSI_I}, {"J", kVK_ANSI_J}, {"K", kVK_ANSI_K}, {"L", kVK_ANSI_L},
+    {"M", kVK_ANSI_M}, {"N", kVK_ANSI_N}, {"O", kVK_ANSI_O}, {"P", kVK_ANSI_P}, {"Q", kVK_ANSI_Q}, {"R", kVK_ANSI_R},
+    {"S", kVK_ANSI_S}, {"T", kVK_ANSI_T}, {"U", kVK_ANSI_U}, {"V", kVK_ANSI_V}, {"W", kVK_ANSI_W}, {"X", kVK_ANSI_X},
+    {"Y", kVK_ANSI_Y}, {"Z", kVK_ANSI_Z}, {"0", kVK_ANSI_0}, {"1", kVK_ANSI_1}, {"2", kVK_ANSI_2}, {"3", kVK_ANSI_3},
+    {"4", kVK_ANSI_4}, {"5", kVK_ANSI_5}, {"6", kVK_ANSI_6}, {"7", kVK_ANSI_7}, {"8", kVK_ANSI_8}, {"9", kVK_ANSI_9},
+    {"Quote", kVK_ANSI_Quote}, {"Return", kVK_Return}, {"Delete", kVK_Delete}, {"Space", kVK_Space}, {"Tab", kVK_Tab},
+    {"Escape", kVK_Escape}, {"ForwardDelete", kVK_ForwardDelete, function}, {"Left", kVK_LeftArrow, arrow},
+    {"Right", kVK_RightArrow, arrow}, {"Up", kVK_UpArrow, arrow}, {"Down", kVK_DownArrow, arrow},
+    {"F1", kVK_F1, function}, {"F2", kVK_F2, function}, {"F3", kVK_F3, function}, {"F4", kVK_F4, function},
+    {"F5", kVK_F5, function}, {"F6", kVK_F6, function}, {"F7", kVK_F7, function}, {"F8", kVK_F8, function},
+    {"F9", kVK_F9, function}, {"F10", kVK_F10, function}, {"F11", kVK_F11, function}, {"F12", kVK_F12, function},
+    {"F13", kVK_F13, function}, {"F14", kVK_F14, function}, {"F15", kVK_F15, function}, {"F16", kVK_F16, function},
+    {"F17", kVK_F17, function}, {"F18", kVK_F18, function}, {"F19", kVK_F19, function}, {"F20", kVK_F20, function},
 };
 // clang-format on
 

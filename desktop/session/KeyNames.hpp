@@ -15,8 +15,8 @@ struct KeyStroke {
 };
 
 /// The key that a session calls by name, modifiers first: `ctrl+shift+left`, `win+l`, `F2`. The flags hold the
-/// modifiers and what the key carries by itself: arrow keys 0xa00000, function keys and forward delete 0x800000. Throws
-/// std::invalid_argument with a sentence for people when a name is unknown or missing.
+/// modifiers and what the key carries by itself: function keys and forward delete the fn bit, arrow keys also that of
+/// the numeric pad. Throws std::invalid_argument with a sentence for people when a name is unknown or missing.
 KeyStroke keyNamed(std::string_view name);
 
 /// The other way round, for people: `Cmd+Shift+Z`, `Cmd+Delete`, `Ctrl+key 0x5d` for a key without a name. Flags that

@@ -36,12 +36,12 @@ inline constexpr CGEventFlags shift = kCGEventFlagMaskShift;
 inline constexpr CGEventFlags control = kCGEventFlagMaskControl;
 inline constexpr CGEventFlags option = kCGEventFlagMaskAlternate;
 inline constexpr CGEventFlags command = kCGEventFlagMaskCommand;
-inline constexpr CGEventFlags capsLock = 0x10000;
-inline constexpr CGEventFlags numericPad = 0x200000;
+inline constexpr CGEventFlags capsLock = kCGEventFlagMaskAlphaShift;
+inline constexpr CGEventFlags numericPad = kCGEventFlagMaskNumericPad;
 inline constexpr CGEventFlags modifiers = shift | control | option | command;
 
-inline constexpr Key ctrlC{0x08, control};
-inline constexpr Key cmdC{0x08, command};
+inline constexpr Key ctrlC{kVK_ANSI_C, control};
+inline constexpr Key cmdC{kVK_ANSI_C, command};
 
 /// A switch of the remapper, and the title of the checkbox that it is bound to.
 struct Switch {
