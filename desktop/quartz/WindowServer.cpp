@@ -26,6 +26,19 @@ Ref<Event> makeEvent(CGEventType type, std::uint16_t code, CGEventFlags flags) {
   return event;
 }
 
+/// The event behind a reference, in a call of the function of that name.
+Event& eventIn(std::string_view function, CGEventRef reference) {
+  Event& event = *objectBehind<Event>(reference);
+  if (event.calls != nullptr) event.calls->push_back(function);
+  return event;
+}
+
+/// The same for the functions about a field.
+Event& eventIn(std::string_view function, CGEventRef reference, CGEventField field) {
+  if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
+  return eventIn(function, reference);
+}
+
 } // namespace
 
 RunLoopSource::~RunLoopSource() = default;
@@ -149,20 +162,18 @@ void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMod
 }
 
 CGEventFlags CGEventGetFlags(CGEventRef event) {
-  return objectBehind<Event>(event)->flags;
+  return eventIn(__func__, event).flags;
 }
 void CGEventSetFlags(CGEventRef event, CGEventFlags flags) {
-  objectBehind<Event>(event)->flags = flags;
+  eventIn(__func__, event).flags = flags;
 }
 
 std::int64_t CGEventGetIntegerValueField(CGEventRef event, CGEventField field) {
-  if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
-  return objectBehind<Event>(event)->code;
+  return eventIn(__func__, event, field).code;
 }
 
 void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, std::int64_t value) {
-  if (field != kCGKeyboardEventKeycode) stop("of an event's fields only the key code (9) is known here");
-  objectBehind<Event>(event)->code = value;
+  eventIn(__func__, event, field).code = value;
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode virtualKey, bool keyDown) {

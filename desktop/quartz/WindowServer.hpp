@@ -6,6 +6,8 @@
 
 #include <deque>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace desktop {
 
@@ -14,6 +16,9 @@ struct Event : Object {
   CGEventType type = kCGEventKeyDown;
   std::int64_t code = 0;
   CGEventFlags flags = 0;
+  /// Notes the functions that read or change the event, in the order of their calls. None unless somebody wants to
+  /// know.
+  std::vector<std::string_view>* calls = nullptr;
 };
 
 struct EventTap;

@@ -14,8 +14,8 @@ const std::string permissionAlert = "alert\tAccessibility Permission Required\tE
                                     "Privacy & Security > Accessibility.\tOK\n";
 const std::string ok = "answer\tOK\n";
 const std::string terminate = "terminate\n";
-const std::string typedC = "key\tEditor\tdown\t0x08\t0x40000\n";
-const std::string copied = "key\tEditor\tdown\t0x08\t0x100000\n";
+const std::string typedC = keyLine("key\tEditor\tdown", "ctrl+c");
+const std::string copied = keyLine("key\tEditor\tdown", "cmd+c");
 
 TEST(Launch, DependsOnTrustAndOnTheTap) {
   const struct {
@@ -36,10 +36,30 @@ TEST(Launch, DependsOnTrustAndOnTheTap) {
   }
 }
 
-TEST(Launch, GoesOnWhenAccessIsGrantedUnderTheAlert) {
+TEST(Launch, TriesForTheTapOnceWhenTheFirstAlertIsAnswered) {
+  const std::pair<const char*, std::string> cases[] = {
+      {"trust yes\n click OK\n down ctrl+c", typedC + ok + copied + terminate},
+      {"click OK\n trust yes\n click OK\n down ctrl+c", typedC + ok + permissionAlert + ok + terminate + typedC},
+  };
+  for (const auto& [granted, trace] : cases) {
+    TestDesktop desktop;
+    EXPECT_EQ(desktop.play({"trust no\n launch\n down ctrl+c", granted}), status + prompt + permissionAlert + trace);
+  }
+}
+
+TEST(Launch, IsTheOnlyTimeThatTrustIsAskedFor) {
   TestDesktop desktop;
-  EXPECT_EQ(desktop.play({"trust no", "launch", "down ctrl+c", "trust yes", "click OK", "down ctrl+c"}),
-            status + prompt + permissionAlert + typedC + ok + copied + terminate);
+  EXPECT_EQ(desktop.play({"launch\n trust no\n menu \"Disable Tarnwick\"\n menu \"Enable Tarnwick\"\n down ctrl+c"}),
+            status + copied + terminate);
+}
+
+TEST(Launch, ShowsAPlainAlertOverACompleteMenu) {
+  TestDesktop desktop;
+  desktop.play({"trust no\n launch", [&] {
+                  const auto& appKit = *desktop.machine.appKit;
+                  EXPECT_EQ(appKit.frontAlert()->style, Alert().style) << "the platform's own";
+                  EXPECT_TRUE(appKit.statusMenu()->itemWithTitle("Disable Tarnwick")->enabled);
+                }});
 }
 
 TEST(Launch, EndsWithTheInputUnderAnOpenAlert) {
@@ -75,7 +95,7 @@ TEST(Launch, NeedsNoInformationDictionary) {
     damage(desktop.bundle / "Contents/Info.plist");
     desktop.machine.mainBundle->open(desktop.bundle);
     const std::string trace = desktop.play({"down ctrl+c", "front Tarnwick", "down ctrl+c"});
-    EXPECT_TRUE(trace.ends_with(copied + "key\tTarnwick\tdown\t0x08\t0x100000\n" + terminate)) << what << trace;
+    EXPECT_TRUE(trace.ends_with(copied + keyLine("key\tTarnwick\tdown", "cmd+c") + terminate)) << what << trace;
   }
 }
 

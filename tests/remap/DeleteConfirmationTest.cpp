@@ -1,23 +1,27 @@
+#include "desktop/appkit/AppKit.hpp"
 #include "platform/Alert.hpp"
 #include "tests/support/TestDesktop.hpp"
 
-#include <regex>
-
-namespace tarnwick {
+namespace desktop {
 namespace {
 
-const std::string swallowed = "swallowed\tdown\t0x75\t0x800000\nswallowed\tup\t0x75\t0x800000\n";
+// The question before the Finder's selection goes to the Bin, told as sessions.
+
+const std::string swallowedDown = keyLine("swallowed\tdown", "forwarddelete");
+const std::string swallowedUp = keyLine("swallowed\tup", "forwarddelete");
+const std::string swallowed = swallowedDown + swallowedUp;
 const std::string alert = "alert\tMove selected item to Bin?\tThis will move the selected Finder item to Bin.\tMove to "
                           "Bin\tCancel\n";
 const std::string consent = "answer\tMove to Bin\n";
 const std::string refusal = "answer\tCancel\n";
 const std::string forward = "front\tFinder\n";
-const std::string deleted = "post\tdown\t0x33\t0x100000\npost\tup\t0x33\t0x100000\n"
-                            "key\tFinder\tdown\t0x33\t0x100000\nkey\tFinder\tup\t0x33\t0x100000\n";
+const std::string posted = keyLine("post\tdown", "cmd+delete") + keyLine("post\tup", "cmd+delete");
+const std::string deleted =
+    posted + keyLine("key\tFinder\tdown", "cmd+delete") + keyLine("key\tFinder\tup", "cmd+delete");
 
 /// The trace from the launch on, with the Finder in front, without the status item and the end.
-std::string play(desktop::TestDesktop& desktop, const std::vector<desktop::Step>& steps) {
-  std::vector<desktop::Step> all{"front Finder"};
+std::string play(TestDesktop& desktop, const std::vector<Step>& steps) {
+  std::vector<Step> all{"front Finder"};
   all.insert(all.end(), steps.begin(), steps.end());
   const std::string trace = desktop.play(all);
   const std::string begin = "status\timage\n";
@@ -26,15 +30,8 @@ std::string play(desktop::TestDesktop& desktop, const std::vector<desktop::Step>
   return trace.substr(begin.size(), trace.size() - begin.size() - end.size());
 }
 
-TEST(Confirmation, TypesTheFindersShortcutAMomentAfterConsent) {
-  desktop::TestDesktop desktop;
-  EXPECT_EQ(play(desktop, {"press forwarddelete\n click \"Move to Bin\"\n wait 0.049",
-                           [&] { desktop.facts.push_back({"--"}); }, "wait 0.001"}),
-            swallowed + alert + consent + forward + "--\n" + deleted);
-}
-
 TEST(Confirmation, WarnsAndBringsTheFirstOfTwoFindersForward) {
-  desktop::TestDesktop desktop;
+  TestDesktop desktop;
   EXPECT_EQ(play(desktop, {"app Second com.apple.finder\n front Second\n press forwarddelete",
                            [&] {
                              ASSERT_NE(desktop.machine.appKit->frontAlert(), nullptr);
@@ -44,9 +41,21 @@ TEST(Confirmation, WarnsAndBringsTheFirstOfTwoFindersForward) {
             swallowed + alert + consent + forward + deleted);
 }
 
+TEST(Confirmation, CountsTheMomentFromTheFindersComingForwardAndIsPendingUntilThen) {
+  TestDesktop desktop;
+  // The Finder takes its time to come forward, and the user types on.
+  desktop.machine.journal = [&](const Fact& fact) {
+    desktop.facts.push_back(fact);
+    if (fact.front() != "front") return;
+    desktop.machine.queue.now += 1'000'000'000;
+    desktop.press("forwarddelete");
+  };
+  EXPECT_EQ(play(desktop, {"press forwarddelete\n click \"Move to Bin\"\n wait 0.0499999",
+                           [&] { desktop.facts.push_back({"--"}); }, "wait 0.0000001"}),
+            swallowed + alert + consent + forward + "--\n" + deleted);
+}
+
 TEST(Confirmation, EndsAsTheUserAndTheDesktopWill) {
-  const std::string down = "swallowed\tdown\t0x75\t0x800000\n";
-  const std::string up = "swallowed\tup\t0x75\t0x800000\n";
   const struct {
     const char* what;
     const char* session;
@@ -54,21 +63,22 @@ TEST(Confirmation, EndsAsTheUserAndTheDesktopWill) {
   } cases[] = {
       {"nothing is looked at any more after consent",
        "press forwarddelete\n click \"Move to Bin\"\n menu \"Disable Tarnwick\"\n front Editor\n wait 0.05",
-       swallowed + alert + consent + forward + std::regex_replace(deleted, std::regex("Finder"), "Editor")},
+       swallowed + alert + consent + forward + posted + keyLine("key\tEditor\tdown", "cmd+delete") +
+           keyLine("key\tEditor\tup", "cmd+delete")},
       {"refused, then asked again", "press forwarddelete\n click Cancel\n wait 1\n press forwarddelete\n click Cancel",
        swallowed + alert + refusal + swallowed + alert + refusal},
       {"asked once, also before the alert is up", "press forwarddelete 3\n click Cancel\n wait 1",
        swallowed + swallowed + swallowed + alert + refusal},
       {"asked once while the alert is up, and not by the release",
        "down forwarddelete\n press forwarddelete\n click Cancel\n up forwarddelete\n wait 1",
-       down + alert + swallowed + refusal + up},
+       swallowedDown + alert + swallowed + refusal + swallowedUp},
       {"the tap is served meanwhile",
        "press forwarddelete\n down ctrl+c\n front Editor\n down ctrl+c\n click \"Move to Bin\"\n wait 1",
-       swallowed + alert + "key\tFinder\tdown\t0x08\t0x100000\nkey\tEditor\tdown\t0x08\t0x100000\n" + consent +
+       swallowed + alert + keyLine("key\tFinder\tdown", "cmd+c") + keyLine("key\tEditor\tdown", "cmd+c") + consent +
            forward + deleted},
       {"modifiers that are still held are not carried over",
-       "press forwarddelete\n raw down 0x00 0x20102\n click \"Move to Bin\"\n wait 1",
-       swallowed + alert + "key\tFinder\tdown\t0x00\t0x20102\n" + consent + forward + deleted},
+       "press forwarddelete\n down shift+option+caps+a\n click \"Move to Bin\"\n wait 1",
+       swallowed + alert + keyLine("key\tFinder\tdown", "shift+option+caps+a") + consent + forward + deleted},
       {"no Finder, and nothing stays pending",
        "press forwarddelete\n end Finder\n click \"Move to Bin\"\n wait 1\n app Finder com.apple.finder\n "
        "front Finder\n press forwarddelete\n click Cancel",
@@ -81,14 +91,14 @@ TEST(Confirmation, EndsAsTheUserAndTheDesktopWill) {
        swallowed + alert + "lost\tquit\n" + consent + forward},
   };
   for (const auto& [what, session, trace] : cases) {
-    desktop::TestDesktop desktop;
+    TestDesktop desktop;
     EXPECT_EQ(play(desktop, {session}), trace) << what;
   }
 }
 
 TEST(Confirmation, NeverPostsHalfAKeyPress) {
-  for (bool desktop::Faults::*fault : {&desktop::Faults::keyDownEvent, &desktop::Faults::keyUpEvent}) {
-    desktop::TestDesktop own;
+  for (bool Faults::*fault : {&Faults::keyDownEvent, &Faults::keyUpEvent}) {
+    TestDesktop own;
     own.machine.faults.*fault = true;
     EXPECT_EQ(play(own, {"press forwarddelete\n click \"Move to Bin\"\n wait 1"}),
               swallowed + alert + consent + forward);
@@ -96,4 +106,4 @@ TEST(Confirmation, NeverPostsHalfAKeyPress) {
 }
 
 } // namespace
-} // namespace tarnwick
+} // namespace desktop

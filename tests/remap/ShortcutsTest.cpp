@@ -1,153 +1,253 @@
-#include "tests/support/RemapperTest.hpp"
+#include "desktop/session/KeyNames.hpp"
+#include "desktop/session/WindowCommands.hpp"
+#include "platform/KeyCodes.hpp"
+#include "tests/support/TestDesktop.hpp"
 
-#include <random>
+#include <limits>
+#include <ostream>
 
-namespace tarnwick {
+namespace desktop {
 namespace {
 
-/// What the user types, what the application gets, and the switch that alone turns it off.
+constexpr CGEventFlags shift = kCGEventFlagMaskShift;
+constexpr CGEventFlags control = kCGEventFlagMaskControl;
+constexpr CGEventFlags option = kCGEventFlagMaskAlternate;
+constexpr CGEventFlags command = kCGEventFlagMaskCommand;
+constexpr CGEventFlags modifiers = shift | control | option | command;
+
+using Calls = std::vector<std::string_view>;
+const Calls flags{"CGEventSetFlags"};
+const Calls code{"CGEventSetIntegerValueField"};
+const Calls flagsThenCode{flags[0], code[0]};
+const Calls codeThenFlags{code[0], flags[0]};
+
+enum class Where { Anywhere, Finder, FinderOutsideText };
+using enum Where;
+
+constexpr std::string_view clipboard = "Clipboard (Ctrl+C/V/X/A/Z)";
+constexpr std::string_view redo = "Redo (Ctrl+Y -> Cmd+Shift+Z)";
+constexpr std::string_view newFile = "New (Ctrl+N)";
+constexpr std::string_view save = "Save (Ctrl+S)";
+constexpr std::string_view wordSkip = "Word Skip (Ctrl+Left/Right)";
+constexpr std::string_view find = "Find (Ctrl+F)";
+constexpr std::string_view swap = "Swap @ and \"";
+constexpr std::string_view bold = "Bold (Ctrl+B)";
+constexpr std::string_view underline = "Underline (Ctrl+U)";
+constexpr std::string_view italic = "Italic (Ctrl+I)";
+constexpr std::string_view lockScreen =
+    "Lock Screen (Cmd+L on a Mac keyboard, Win+L on a Windows keyboard -> Cmd+Ctrl+Q)";
+constexpr std::string_view deleteToBin = "Forward Delete key moves selection to Bin";
+constexpr std::string_view confirm = "Confirm before moving to Bin";
+constexpr std::string_view rename = "Rename selected item (F2 -> Return)";
+
+constexpr CGEventFlags besideControl = shift | option | command;
+
+/// One shortcut as the user knows it.
 struct Shortcut {
+  KeyStroke typed;
+  /// Modifiers that may be held with those of `typed`; they stay.
+  CGEventFlags beside;
+  KeyStroke delivered;
+  /// What of the event is overwritten, in this order.
+  Calls set;
+  Where where;
+  /// Turns it off.
+  std::string_view checkbox;
+
+  Shortcut(const char* from, CGEventFlags others, const char* to, Calls calls, Where place, std::string_view title)
+      : typed(keyNamed(from)), beside(others), delivered(keyNamed(to)), set(std::move(calls)), where(place),
+        checkbox(title) {}
+};
+
+const Shortcut shortcuts[] = {
+    {"ctrl+c", besideControl, "cmd+c", flags, Anywhere, clipboard},
+    {"ctrl+v", besideControl, "cmd+v", flags, Anywhere, clipboard},
+    {"ctrl+x", besideControl, "cmd+x", flags, Anywhere, clipboard},
+    {"ctrl+a", besideControl, "cmd+a", flags, Anywhere, clipboard},
+    {"ctrl+z", besideControl, "cmd+z", flags, Anywhere, clipboard},
+    {"ctrl+y", besideControl, "cmd+shift+z", codeThenFlags, Anywhere, redo},
+    {"ctrl+n", besideControl, "cmd+n", flags, Anywhere, newFile},
+    {"ctrl+s", besideControl, "cmd+s", flags, Anywhere, save},
+    {"ctrl+left", besideControl, "option+left", flags, Anywhere, wordSkip},
+    {"ctrl+right", besideControl, "option+right", flags, Anywhere, wordSkip},
+    {"ctrl+f", besideControl, "cmd+f", flags, Anywhere, find},
+    {"shift+quote", 0, "shift+2", code, Anywhere, swap},
+    {"shift+2", 0, "shift+quote", code, Anywhere, swap},
+    {"ctrl+b", besideControl, "cmd+b", flags, Anywhere, bold},
+    {"ctrl+u", besideControl, "cmd+u", flags, Anywhere, underline},
+    {"ctrl+i", besideControl, "cmd+i", flags, Anywhere, italic},
+    {"cmd+l", shift | option, "cmd+ctrl+q", flagsThenCode, Anywhere, lockScreen},
+    {"forwarddelete", 0, "cmd+delete", flagsThenCode, FinderOutsideText, deleteToBin},
+    {"f2", 0, "return", flagsThenCode, Finder, rename},
+};
+
+/// A desktop on which every key is typed.
+struct Situation {
   const char* name;
-  bool KeyRemapper::*gate;
-  Key typed;
-  Key delivered;
+  bool finder;
+  bool text;
+  /// The checkbox that is off.
+  std::string_view off;
 };
 
-// What a keyboard says of itself beside the modifiers: the left Control key's device bit, and that of no coalescing.
-constexpr CGEventFlags leftControl = 0x101;
-constexpr CGEventFlags arrow = numericPad | kCGEventFlagMaskSecondaryFn;
-
-constexpr Shortcut shortcuts[] = {
-    {"Ctrl+C", &KeyRemapper::mapClipboard, {0x08, 0x40000}, {0x08, 0x100000}},
-    {"Ctrl+V", &KeyRemapper::mapClipboard, {0x09, 0x40000}, {0x09, 0x100000}},
-    {"Ctrl+X", &KeyRemapper::mapClipboard, {0x07, 0x40000}, {0x07, 0x100000}},
-    {"Ctrl+A", &KeyRemapper::mapClipboard, {0x00, 0x40000}, {0x00, 0x100000}},
-    {"Ctrl+Z", &KeyRemapper::mapClipboard, {0x06, 0x40000}, {0x06, 0x100000}},
-    {"Ctrl+Y", &KeyRemapper::mapRedo, {0x10, 0x40000}, {0x06, 0x120000}},
-    {"Ctrl+N", &KeyRemapper::mapNewFile, {0x2d, 0x40000}, {0x2d, 0x100000}},
-    {"Ctrl+S", &KeyRemapper::mapSave, {0x01, 0x40000}, {0x01, 0x100000}},
-    {"Ctrl+F", &KeyRemapper::mapFind, {0x03, 0x40000}, {0x03, 0x100000}},
-    {"Ctrl+B", &KeyRemapper::mapBold, {0x0b, 0x40000}, {0x0b, 0x100000}},
-    {"Ctrl+U", &KeyRemapper::mapUnderline, {0x20, 0x40000}, {0x20, 0x100000}},
-    {"Ctrl+I", &KeyRemapper::mapItalic, {0x22, 0x40000}, {0x22, 0x100000}},
-    {"Ctrl+Left", &KeyRemapper::mapWordSkip, {0x7b, 0x40000 | arrow}, {0x7b, 0x80000 | arrow}},
-    {"Ctrl+Right", &KeyRemapper::mapWordSkip, {0x7c, 0x40000 | arrow}, {0x7c, 0x80000 | arrow}},
-    {"Shift+'", &KeyRemapper::mapAtQuoteSwap, {0x27, 0x20000}, {0x13, 0x20000}},
-    {"Shift+2", &KeyRemapper::mapAtQuoteSwap, {0x13, 0x20000}, {0x27, 0x20000}},
-    {"Cmd+L", &KeyRemapper::mapLockScreen, {0x25, 0x100000}, {0x0c, 0x140000}},
-
-    {"Ctrl+Shift+Z", &KeyRemapper::mapClipboard, {0x06, 0x60000}, {0x06, 0x120000}},
-    {"Ctrl+Cmd+C", &KeyRemapper::mapClipboard, {0x08, 0x140000}, {0x08, 0x100000}},
-    {"Ctrl+Option+V", &KeyRemapper::mapClipboard, {0x09, 0xc0000}, {0x09, 0x180000}},
-    {"Ctrl+Shift+S", &KeyRemapper::mapSave, {0x01, 0x60000}, {0x01, 0x120000}},
-    {"Ctrl+Shift+Y", &KeyRemapper::mapRedo, {0x10, 0x60000}, {0x06, 0x120000}},
-    {"Ctrl+Cmd+Y", &KeyRemapper::mapRedo, {0x10, 0x140000}, {0x06, 0x120000}},
-    {"Ctrl+Shift+Left", &KeyRemapper::mapWordSkip, {0x7b, 0x60000 | arrow}, {0x7b, 0xa0000 | arrow}},
-    {"Ctrl+Option+Right", &KeyRemapper::mapWordSkip, {0x7c, 0xc0000 | arrow}, {0x7c, 0x80000 | arrow}},
-    {"Ctrl+Cmd+Left", &KeyRemapper::mapWordSkip, {0x7b, 0x140000 | arrow}, {0x7b, 0x180000 | arrow}},
-    {"Cmd+Shift+L", &KeyRemapper::mapLockScreen, {0x25, 0x120000}, {0x0c, 0x160000}},
-    {"Cmd+Option+L", &KeyRemapper::mapLockScreen, {0x25, 0x180000}, {0x0c, 0x1c0000}},
-    {"left Ctrl+C", &KeyRemapper::mapClipboard, {0x08, 0x40000 | leftControl}, {0x08, 0x100000 | leftControl}},
+/// A key code as the platform hands it over, wider than any key's, and the flags with it.
+struct Typed {
+  std::int64_t code;
+  CGEventFlags flags;
 };
 
-/// What the rules leave alone although all is switched on.
-constexpr std::pair<const char*, Key> passing[] = {
-    {"C", {0x08, 0}},
-    {"Shift+C", {0x08, shift}},
-    {"Cmd+C", {0x08, command}},
-    {"Ctrl+D", {0x02, control}},
-    {"Ctrl+L", {0x25, control}},
-    {"Cmd+Ctrl+L", {0x25, command | control}},
-    {"L", {0x25, 0}},
-    {"Ctrl+Q", {0x0c, control}},
-    {"'", {0x27, 0}},
-    {"2", {0x13, 0}},
-    {"Shift+1", {0x12, shift}},
-    {"Caps Lock and 2", {0x13, capsLock}},
-    {"Shift+Option+2", {0x13, shift | option}},
-    {"Shift+Cmd+'", {0x27, shift | command}},
-    {"Ctrl+Shift+2", {0x13, shift | control}},
-    {"Left", {0x7b, arrow}},
-    {"Option+Left", {0x7b, option | arrow}},
-    {"Ctrl+Up", {0x7e, control | arrow}},
-    {"Cmd+Delete", {0x33, command}},
-    {"F2 outside of the Finder", {0x78, kCGEventFlagMaskSecondaryFn}},
-    {"Forward Delete outside of the Finder", {0x75, kCGEventFlagMaskSecondaryFn}},
-    {"the highest code", {0xffff, control}},
-    {"every flag", {0x02, ~CGEventFlags{0}}},
-};
+/// What becomes of a key event, and what the program asks and does about it.
+struct Fate {
+  bool swallowed = false;
+  std::int64_t code = 0;
+  CGEventFlags flags = 0;
+  Calls calls;
+  long frontmost = 0;
+  long ownIdentifier = 0;
+  long focusedElement = 0;
 
-class ShortcutsTest : public RemapperTest {};
-
-TEST_F(ShortcutsTest, ObeyTheirOwnSwitchAndNoOther) {
-  for (const auto& [title, flag] : switches) {
-    remapper.get()->*flag = false;
-    for (const Shortcut& shortcut : shortcuts) {
-      EXPECT_EQ(press(shortcut.typed), flag == shortcut.gate ? shortcut.typed : shortcut.delivered)
-          << shortcut.name << " without " << title;
-    }
-    for (const auto& [name, key] : passing)
-      EXPECT_EQ(press(key), key) << name << " without " << title;
-    remapper.get()->*flag = true;
+  bool operator==(const Fate&) const = default;
+  friend void PrintTo(const Fate& fate, std::ostream* stream) {
+    *stream << (fate.swallowed ? "swallowed, code 0x" : "code 0x") << std::hex << fate.code << " flags 0x" << fate.flags
+            << std::dec << "; frontmost application asked for " << fate.frontmost << ", own identifier "
+            << fate.ownIdentifier << ", focus " << fate.focusedElement << " times; calls";
+    for (const std::string_view call : fate.calls)
+      *stream << ' ' << call;
   }
+};
+
+bool isMeant(const Shortcut& shortcut, const Typed& key, const Situation& situation) {
+  if (key.code != shortcut.typed.code) return false;
+  if ((key.flags & modifiers & ~shortcut.beside) != (shortcut.typed.flags & modifiers)) return false;
+  if (shortcut.where == Anywhere) return true;
+  return situation.finder && (shortcut.where == Finder || !situation.text);
 }
 
-TEST_F(ShortcutsTest, LeaveEveryBitThatIsNoModifierAlone) {
+/// What the table says. The Finder's shortcuts ask about the desktop before they look at the key.
+Fate expected(const Typed& key, const Situation& situation) {
+  Fate fate{false, key.code, key.flags, {"CGEventGetFlags", "CGEventGetIntegerValueField"}, 1, 1, 0};
+  const auto isOn = [&](std::string_view checkbox) { return checkbox != situation.off; };
+  std::string_view decided;
   for (const Shortcut& shortcut : shortcuts) {
-    for (CGEventFlags bit = 1; bit != 0; bit <<= 1) {
-      if ((bit & modifiers) != 0) continue;
-      const Key typed{shortcut.typed.code, shortcut.typed.flags ^ bit};
-      const Key delivered{shortcut.delivered.code, shortcut.delivered.flags ^ bit};
-      EXPECT_EQ(press(typed), delivered) << shortcut.name << " with bit 0x" << std::hex << bit;
-    }
+    if (!isMeant(shortcut, key, situation)) continue;
+    decided = shortcut.checkbox;
+    if (!isOn(decided)) break;
+    fate.swallowed = decided == deleteToBin && isOn(confirm);
+    if (fate.swallowed) break;
+    fate.code = shortcut.delivered.code;
+    fate.flags &= ~(shortcut.typed.flags & ~shortcut.delivered.flags);
+    fate.flags |= shortcut.delivered.flags & ~shortcut.typed.flags;
+    fate.calls.insert(fate.calls.end(), shortcut.set.begin(), shortcut.set.end());
   }
+  if (decided == lockScreen) return fate;
+  if (isOn(deleteToBin)) {
+    ++fate.frontmost;
+    fate.focusedElement = situation.finder ? 1 : 0;
+    if (decided == deleteToBin) return fate;
+  }
+  if (isOn(rename)) ++fate.frontmost;
+  return fate;
 }
 
-TEST_F(ShortcutsTest, JudgeAReleaseByItsOwnModifiers) {
-  EXPECT_EQ(send(kCGEventKeyDown, ctrlC).key, cmdC);
-  EXPECT_EQ(send(kCGEventKeyUp, {0x08, 0}).key, (Key{0x08, 0})) << "Control was let go first";
+/// The event through the taps, as the window server sends it.
+Fate actual(Desktop& machine, Event& event, CGEventType type, const Typed& key) {
+  Fate fate;
+  event.type = type;
+  event.code = key.code;
+  event.flags = key.flags;
+  event.calls = &fate.calls;
+  machine.queries = {};
+  fate.swallowed = machine.server.throughTaps(&event) == nullptr;
+  fate.code = event.code;
+  fate.flags = event.flags;
+  fate.frontmost = machine.queries.frontmost;
+  fate.ownIdentifier = machine.queries.ownIdentifier;
+  fate.focusedElement = machine.queries.focusedElement;
+  return fate;
 }
 
-// A code that no keyboard sends must not be taken for the key of its low sixteen bits.
-TEST_F(ShortcutsTest, PassCodesBeyondSixteenBits) {
+/// Every code that a keyboard might send, and what must not be taken for the key of its low bits.
+std::vector<std::int64_t> everyCode() {
+  std::vector<std::int64_t> codes{0xffff, std::numeric_limits<std::int64_t>::min(),
+                                  std::numeric_limits<std::int64_t>::max()};
+  for (std::int64_t each = 0; each <= 0x1ff; ++each)
+    codes.push_back(each);
   for (const Shortcut& shortcut : shortcuts) {
-    for (const std::int64_t beyond : {0x10000L, -0x10000L, 0x7fffffff0000L}) {
-      const auto event = desktop::create<desktop::Event>();
-      event->code = shortcut.typed.code + beyond;
-      event->flags = shortcut.typed.flags;
-      ASSERT_EQ(desktop.machine.server.throughTaps(event.get()), event.get());
-      EXPECT_EQ(event->code, shortcut.typed.code + beyond) << shortcut.name;
-      EXPECT_EQ(event->flags, shortcut.typed.flags) << shortcut.name;
+    for (const int above : {16, 32, 47, 63})
+      codes.push_back(shortcut.typed.code | static_cast<std::int64_t>(std::uint64_t{1} << above));
+  }
+  return codes;
+}
+
+// What a keyboard says of itself beside the modifiers: which of two Control keys it was, and the like.
+constexpr CGEventFlags device = 0xffff;
+constexpr CGEventFlags unused = ~CGEventFlags{0} << 32;
+const std::vector<CGEventFlags> everyMark{
+    0,
+    device,
+    kCGEventFlagMaskAlphaShift,
+    kCGEventFlagMaskNumericPad,
+    kCGEventFlagMaskHelp,
+    kCGEventFlagMaskSecondaryFn,
+    unused,
+    ~modifiers,
+};
+
+void compare(Desktop& machine, const Situation& situation, const std::vector<std::int64_t>& codes,
+             const std::vector<CGEventFlags>& marks) {
+  const auto event = create<Event>();
+  for (const std::int64_t each : codes) {
+    for (const CGEventFlags mark : marks) {
+      for (CGEventFlags held = 0; held <= modifiers; held += shift) {
+        const Typed key{each, held | mark};
+        for (const CGEventType type : {kCGEventKeyDown, kCGEventKeyUp}) {
+          ASSERT_EQ(actual(machine, *event, type, key), expected(key, situation))
+              << describeKey(static_cast<std::uint16_t>(each), held) << (type == kCGEventKeyDown ? " down" : " up")
+              << ", flags 0x" << std::hex << key.flags << ", in " << situation.name << ", without \"" << situation.off
+              << '"';
+        }
+      }
     }
   }
 }
 
-/// Many random keys, mostly of the codes that occur, under random switches.
-TEST_F(ShortcutsTest, KeepTheirPromisesForRandomKeys) {
-  std::mt19937_64 random(1);
-  for (int round = 0; round < 20000; ++round) {
-    const auto positions = random();
-    for (std::size_t each = 0; each < std::size(switches); ++each)
-      remapper.get()->*switches[each].flag = (positions >> (2 * each) & 3) != 0;
-    const auto code = static_cast<CGKeyCode>(random() % (round % 8 == 0 ? 0x10000 : 0x80));
-    const Key typed{code, random() & (round % 2 == 0 ? modifiers : ~CGEventFlags{0})};
+/// Types the same keys in the Editor, and in the Finder with and without a text field in focus.
+std::vector<Step> everywhere(Desktop& machine, std::string_view off, const std::vector<std::int64_t>& codes,
+                             const std::vector<CGEventFlags>& marks) {
+  const auto in = [&machine, off, codes, marks](const char* name, bool finder, bool text) {
+    return [=, &machine] { compare(machine, {name, finder, text, off}, codes, marks); };
+  };
+  return {
+      "front Editor",          in("the Editor", false, true), "front Finder",           in("the Finder", true, false),
+      "wait 0\n click Cancel", "focus AXTextField",           in("a name", true, true), "focus AXList"};
+}
 
-    const Received received = send(kCGEventKeyDown, typed);
-    EXPECT_EQ(received.by, "Editor");
-    EXPECT_EQ(send(kCGEventKeyUp, typed), received);
-    const Key key = received.key;
-    EXPECT_EQ(key.flags & ~modifiers, typed.flags & ~modifiers);
-    EXPECT_EQ(typed.flags & ~control & ~key.flags, 0U) << "only Control is ever taken away";
-    EXPECT_TRUE(key == typed || key.code == kVK_ANSI_Q || (key.flags & control) == 0);
-    const bool swaps = key.flags == typed.flags && key.code != typed.code;
-    EXPECT_EQ(press(key), swaps ? typed : key) << "no rewriting leads to another, but for the swap and back";
+TEST(Shortcuts, AreThoseOfTheTableAndNoOthers) {
+  TestDesktop desktop;
+  std::vector<Step> steps{"menu Settings…\n click \"Confirm before moving to Bin\""};
+  for (const Step& step : everywhere(desktop.machine, confirm, everyCode(), everyMark))
+    steps.push_back(step);
+  desktop.play(steps);
+}
 
-    remapper->enabled = false;
-    EXPECT_EQ(press(typed), typed);
-    remapper->enabled = true;
-    if (HasFailure()) FAIL() << "round " << round << ", typed " << testing::PrintToString(typed);
+TEST(Shortcuts, ObeyTheirOwnCheckboxAndNoOther) {
+  TestDesktop desktop;
+  std::vector<std::int64_t> codes;
+  for (const Shortcut& shortcut : shortcuts)
+    codes.push_back(shortcut.typed.code);
+  std::vector<Step> steps{"menu Settings…"};
+  for (const std::string_view checkbox : {clipboard, redo, newFile, save, wordSkip, find, swap, bold, underline, italic,
+                                          lockScreen, deleteToBin, confirm, rename, std::string_view()}) {
+    const auto click = [&desktop, checkbox] {
+      EXPECT_EQ(clickInWindow(desktop.machine, std::string(checkbox), 1), !checkbox.empty());
+    };
+    steps.emplace_back(click);
+    for (const Step& step : everywhere(desktop.machine, checkbox, codes, {0}))
+      steps.push_back(step);
+    steps.emplace_back(click);
   }
+  desktop.play(steps);
 }
 
 } // namespace
-} // namespace tarnwick
+} // namespace desktop

@@ -1,213 +1,233 @@
-#include "settings/MappingsWindowController.hpp"
-
 #include "desktop/session/WindowCommands.hpp"
-#include "tests/support/RemapperTest.hpp"
+#include "platform/Control.hpp"
+#include "platform/RuntimeClass.hpp"
+#include "platform/Window.hpp"
+#include "tests/support/TestDesktop.hpp"
 
-namespace tarnwick {
+namespace desktop {
 namespace {
 
-using namespace std::string_literals;
-using desktop::PropertyList;
-
-/// The window on its own, without the application around it.
-class SettingsWindowTest : public RemapperTest {
+/// The window of the running program, once "Settings…" has been chosen.
+class SettingsWindowTest : public testing::Test {
 protected:
-  desktop::Desktop& machine = desktop.machine;
-  platform::AutoreleasePool pool;
-  platform::NSWindowController controller;
+  TestDesktop desktop;
+  Desktop& machine = desktop.machine;
 
-  void SetUp() override {
-    RemapperTest::SetUp();
-    machine.tarnwick = desktop::shared(&machine.start("Tarnwick", ""));
+  void open(const std::function<void()>& look) { desktop.play({"menu Settings…", look}); }
+  Window& window() { return *machine.appKit->frontWindow(); }
+  /// The window's views of that class, each before those inside it.
+  template <class Kind> std::vector<Kind*> all() {
+    std::vector<Kind*> found;
+    forEachView(*window().contentView(), [&](View& view) {
+      if (auto* const kind = ifIs<Kind>(&view)) found.push_back(kind);
+    });
+    return found;
   }
-  void open() {
-    if (!controller) controller = MappingsWindowController::make(remapper);
-    platform::send<"show">(controller);
-  }
+  double documentHeight() { return all<ScrollView>().front()->document->frame.size.height; }
   /// What the window shows, from top to bottom.
   std::string shown() {
     desktop.facts.clear();
-    EXPECT_TRUE(desktop::showWindow(machine));
+    EXPECT_TRUE(showWindow(machine));
     return desktop.trace();
   }
-  desktop::Window& window() { return *desktop::as<desktop::Window>(controller.window().object()); }
-  /// The window's first view of that class; there must be one.
-  template <class Kind> Kind& first() {
-    Kind* found = nullptr;
-    desktop::forEachView(*window().contentView(), [&](desktop::View& view) {
-      if (found == nullptr) found = desktop::ifIs<Kind>(&view);
-    });
-    return *found;
-  }
-  bool click(const char* title, std::uint64_t row = 1) { return desktop::clickInWindow(machine, title, row); }
-
-  std::vector<bool> flags() const {
-    std::vector<bool> values;
-    for (const Switch& each : switches)
-      values.push_back(remapper.get()->*each.flag);
-    return values;
-  }
+  bool click(const char* title, std::uint64_t row = 1) { return clickInWindow(machine, title, row); }
 };
 
-TEST_F(SettingsWindowTest, EachCheckboxSwitchesItsOwnFamilyAndNoOther) {
-  open();
-  for (std::size_t each = 0; each < std::size(switches); ++each) {
-    std::vector<bool> expected(std::size(switches), true);
-    EXPECT_EQ(flags(), expected);
-    ASSERT_TRUE(click(switches[each].title));
-    expected[each] = false;
-    EXPECT_EQ(flags(), expected) << switches[each].title;
-    ASSERT_TRUE(click(switches[each].title));
-  }
-  EXPECT_TRUE(remapper->enabled) << "the master switch has no checkbox";
-}
+/// How a stack places what it arranges.
+using Arrangement = std::tuple<Axis, NSInteger, CGFloat>;
+constexpr Arrangement row{Axis::Horizontal, platform::NSLayoutAttributeCenterY, 8};
 
-TEST_F(SettingsWindowTest, ShowsEachSwitchAsItStandsWhenItIsShown) {
-  for (const Switch& off : switches) {
-    remapper.get()->*off.flag = false;
-    open();
-    const std::string trace = shown();
-    for (const Switch& each : switches) {
-      const std::string line = "checkbox\t"s + each.title + (each.flag == off.flag ? "\toff\n" : "\ton\n");
-      EXPECT_NE(trace.find(line), std::string::npos) << line << trace;
+TEST_F(SettingsWindowTest, LooksAsDesigned) {
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"com.example"});
+  open([&] {
+    EXPECT_EQ(window().styleMask, platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable |
+                                      platform::NSWindowStyleMaskResizable);
+    EXPECT_EQ(window().minSize().width, 460);
+    EXPECT_EQ(window().minSize().height, 500);
+
+    const ImageView& icon = *all<ImageView>().front();
+    EXPECT_EQ(icon.scaling, platform::NSImageScaleProportionallyUpOrDown);
+    EXPECT_EQ(icon.layer()->cornerRadius, 16);
+    EXPECT_TRUE(icon.layer()->masksToBounds);
+    EXPECT_EQ(icon.frame.size.width, 92);
+    EXPECT_EQ(icon.frame.size.height, 92);
+    const View& iconFrame = *icon.superview;
+    EXPECT_EQ(iconFrame.frame.origin.y, 24);
+    EXPECT_EQ(iconFrame.frame.origin.x, (window().frame.size.width - 92) / 2);
+    const Layer& shadow = *iconFrame.layer();
+    EXPECT_EQ(shadow.shadowColor->ink, Color::Ink::Black);
+    EXPECT_EQ(shadow.shadowOpacity, 0.18F);
+    EXPECT_EQ(shadow.shadowRadius, 10);
+    EXPECT_EQ(shadow.shadowOffset.width, 0);
+    EXPECT_EQ(shadow.shadowOffset.height, -2);
+
+    const ScrollView& scroll = *all<ScrollView>().front();
+    EXPECT_TRUE(scroll.hasVerticalScroller && scroll.autohidesScrollers);
+    EXPECT_FALSE(scroll.hasHorizontalScroller || scroll.drawsBackground);
+    EXPECT_EQ(scroll.document->autoresizingMask, platform::NSViewWidthSizable);
+    EXPECT_FALSE(scroll.document->translatesMask);
+
+    std::vector<Arrangement> arrangements;
+    for (const StackView* stack : all<StackView>())
+      arrangements.emplace_back(stack->orientation, stack->alignment, stack->spacing);
+    EXPECT_EQ(arrangements, (std::vector<Arrangement>{{Axis::Vertical, platform::NSLayoutAttributeLeading, 10},
+                                                      row,
+                                                      {Axis::Vertical, platform::NSLayoutAttributeLeading, 6},
+                                                      row,
+                                                      {Axis::Vertical, platform::NSLayoutAttributeCenterX, 6},
+                                                      row}))
+        << "the settings, the button above the list, the list, its row, the footer and its row";
+    const CGRect settings = all<StackView>().front()->frame;
+    EXPECT_EQ(settings.origin.x, 20);
+    EXPECT_EQ(settings.origin.y, 136);
+    EXPECT_EQ(settings.size.width, scroll.document->frame.size.width - 40);
+    EXPECT_EQ(settings.size.height, scroll.document->frame.size.height - 156);
+
+    std::string headings;
+    for (const TextField* label : all<TextField>()) {
+      const std::string text = textOf(label->text.get());
+      if (label->font) {
+        headings += text + '\n';
+        EXPECT_TRUE(label->face().bold);
+        EXPECT_EQ(label->face().size, 12);
+      }
+      const bool isNote = text.ends_with('.');
+      EXPECT_EQ(label->maximumNumberOfLines, isNote ? 0 : 1) << text;
+      EXPECT_EQ(label->lineBreakMode == platform::NSLineBreakByWordWrapping, isNote) << text;
+      const bool isExemption = text == "com.example";
+      EXPECT_EQ(label->lineBreakMode == platform::NSLineBreakByTruncatingMiddle, isExemption) << text;
+      EXPECT_EQ(label->compressionResistance[0], isExemption ? platform::NSLayoutPriorityDefaultLow : 750) << text;
+      const bool isQuiet = text == "Version 1.0.0";
+      EXPECT_EQ(label->textColor != nullptr && label->textColor->ink == Color::Ink::SecondaryLabel, isQuiet) << text;
     }
-    remapper.get()->*off.flag = true;
-  }
+    EXPECT_EQ(headings, "General Shortcuts\nText Editing\nSystem\nFinder\nApp Exemptions\n");
+
+    for (const Button* button : all<Button>()) {
+      const bool isLink = textOf(button->title.get()) == "About Tarnwick";
+      EXPECT_EQ(button->bezelStyle == platform::NSBezelStyleInline, isLink);
+      EXPECT_EQ(button->tint != nullptr && button->tint->ink == Color::Ink::Label, isLink);
+    }
+    for (const Box* box : all<Box>())
+      EXPECT_EQ(box->type, platform::NSBoxSeparator);
+  });
 }
 
 TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
-  open();
-  remapper->mapSave = false; // behind the checkbox's back
-  const auto stranger = platform::NSButton::checkboxWithTitle(platform::NSString::utf8("Save (Ctrl+S)"), nullptr,
-                                                              platform::selectorNamed<"toggleMapping:">());
-  platform::send<"toggleMapping:">(controller, stranger);
-  platform::send<"toggleMapping:">(controller, nullptr);
-  platform::send<"removeExemption:">(controller, stranger);
-  EXPECT_EQ(machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << "nothing was saved";
-  EXPECT_FALSE(remapper->mapSave);
-  EXPECT_TRUE(click("Save (Ctrl+S)"));
-  EXPECT_FALSE(remapper->mapSave) << "the checkbox says off";
-  remapper->mapSave = true;
-  EXPECT_EQ(flags(), std::vector<bool>(std::size(switches), true));
+  open([&] {
+    const platform::NSString title = platform::NSString::utf8("Save (Ctrl+S)");
+    const auto stranger =
+        platform::NSButton::checkboxWithTitle(title, nullptr, platform::selectorNamed<"toggleMapping:">());
+    const id controller = window().delegate;
+    platform::send<"toggleMapping:">(controller, stranger);
+    platform::send<"toggleMapping:">(controller, nullptr);
+    platform::send<"removeExemption:">(controller, stranger);
+    machine.frontmost = shared(machine.named("Editor"));
+    EXPECT_EQ(desktop.press("ctrl+s"), "Cmd+S");
+    EXPECT_EQ(machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << "nothing was saved";
+    EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(stranger))) << "not from an archive";
+  });
 }
 
 TEST_F(SettingsWindowTest, OpensAddressesFromItsLinks) {
-  open();
-  desktop.facts.clear();
-  EXPECT_TRUE(click("About Tarnwick") && click("Open Login Items"));
-  EXPECT_EQ(desktop.trace(), "open\thttps://tarnwick.example/about\n"
-                             "open\tx-apple.systempreferences:com.apple.LoginItems-Settings.extension\n");
+  open([&] {
+    desktop.facts.clear();
+    EXPECT_TRUE(click("About Tarnwick") && click("Open Login Items"));
+    EXPECT_EQ(desktop.trace(), "open\thttps://tarnwick.example/about\n"
+                               "open\tx-apple.systempreferences:com.apple.LoginItems-Settings.extension\n");
+  });
 }
 
 TEST_F(SettingsWindowTest, ListsExemptionsInOrderAndKeepsUpWithThem) {
-  const auto exempt = [&](const char* bundleID) { remapper->addExemptBundleID(platform::NSString::utf8(bundleID)); };
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.b", u"com.Z", u"com.a"});
   const auto rows = [&] {
     const std::string trace = shown();
     const auto begin = trace.find("button\tChoose App…\n");
     return trace.substr(begin, trace.find("separator", begin) - begin);
   };
   const std::string choose = "button\tChoose App…\n";
-  open();
-  EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
-  for (const char* bundleID : {"org.b", "com.Z", "com.a"})
-    exempt(bundleID);
-  open();
-  EXPECT_EQ(rows(), choose + "label\tcom.Z\nbutton\tRemove\nlabel\tcom.a\nbutton\tRemove\nlabel\torg.b\nbutton\t"
-                             "Remove\n");
-  EXPECT_TRUE(click("Remove", 2));
-  EXPECT_EQ(rows(), choose + "label\tcom.Z\nbutton\tRemove\nlabel\torg.b\nbutton\tRemove\n");
-  EXPECT_TRUE(click("Remove") && click("Remove"));
-  EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
+  const std::string remove = "\nbutton\tRemove\n";
+  open([&] {
+    EXPECT_EQ(rows(), choose + "label\tcom.Z" + remove + "label\tcom.a" + remove + "label\torg.b" + remove);
+    EXPECT_TRUE(click("Remove", 2));
+    EXPECT_EQ(rows(), choose + "label\tcom.Z" + remove + "label\torg.b" + remove);
+    EXPECT_TRUE(click("Remove") && click("Remove"));
+    EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
+    for (const TextField* label : all<TextField>()) {
+      if (textOf(label->text.get()) != "No exempt apps yet.") continue;
+      EXPECT_EQ(label->textColor->ink, Color::Ink::SecondaryLabel);
+    }
+  });
 }
 
-TEST_F(SettingsWindowTest, TellsTheVersionOnlyWhereItIsAText) {
-  const struct {
-    std::optional<PropertyList> version;
-    std::string label;
-  } cases[] = {{u"2.1", "Version 2.1"}, {u"", "Version "}, {7, "Version Unknown"}, {std::nullopt, "Version Unknown"}};
+TEST(SettingsWindow, TellsTheVersionOnlyWhereItIsAText) {
+  const std::pair<std::optional<PropertyList>, std::string> cases[] = {
+      {u"2.1", "Version 2.1"}, {u"", "Version "}, {7, "Version Unknown"}, {std::nullopt, "Version Unknown"}};
   for (const auto& [version, label] : cases) {
+    TestDesktop desktop;
     PropertyList::Dictionary information;
     if (version) information[u"CFBundleShortVersionString"] = *version;
-    desktop::writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
-    machine.mainBundle->open(desktop.bundle);
-    controller = {};
-    open();
-    EXPECT_TRUE(shown().ends_with("label\t" + label + "\n")) << label;
+    writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
+    desktop.machine.mainBundle->open(desktop.bundle);
+    const std::string trace = desktop.play({"menu Settings…\n show window"});
+    EXPECT_TRUE(trace.ends_with("label\t" + label + "\nterminate\n")) << label;
   }
 }
 
-TEST_F(SettingsWindowTest, OpensWithoutItsIconAndWithABrokenOne) {
-  const auto icon = desktop.bundle / "Contents" / "Resources" / "AppIcon.icns";
-  desktop::writeFile(icon, "no image");
-  open();
-  EXPECT_FALSE(first<desktop::ImageView>().image) << "a broken one";
-  std::filesystem::remove(icon);
-  controller = {};
-  open();
-  EXPECT_TRUE(first<desktop::ImageView>().image) << "the platform's own instead";
+TEST_F(SettingsWindowTest, OpensWithABrokenIcon) {
+  writeFile(desktop.bundle / "Contents" / "Resources" / "AppIcon.icns", "no image");
+  open([&] { EXPECT_FALSE(all<ImageView>().front()->image); });
 }
 
-TEST_F(SettingsWindowTest, HasItsDefaultSizeAndContentBeforeItIsShown) {
-  controller = MappingsWindowController::make(remapper);
-  EXPECT_EQ(window().contentSize().width, 540);
-  EXPECT_EQ(window().contentSize().height, 780);
-  EXPECT_GT(first<desktop::ScrollView>().document->frame.size.height, 780);
+TEST_F(SettingsWindowTest, OpensWithThePlatformsIconInsteadOfItsOwn) {
+  std::filesystem::remove(desktop.bundle / "Contents" / "Resources" / "AppIcon.icns");
+  open([&] {
+    ASSERT_TRUE(all<ImageView>().front()->image);
+    EXPECT_EQ(all<ImageView>().front()->image->bytes, Image::applicationIcon()->bytes);
+  });
 }
 
-TEST_F(SettingsWindowTest, IsCentredEachTimeBeforeItIsShown) {
-  std::vector<double> shownAt;
-  machine.journal = [&](const desktop::Fact& fact) {
-    if (fact.front() == "window") shownAt.push_back(window().frame.origin.x);
-  };
-  open();
-  const double centred = (machine.screen->width - window().frame.size.width) / 2;
-  window().frame.origin = {0, 0};
-  open();
-  EXPECT_EQ(shownAt, (std::vector{centred, centred}));
+TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEachTime) {
+  PropertyList::Array exempt;
+  for (const char16_t letter : std::u16string(u"abcdefghijklmnopqrst"))
+    exempt.emplace_back(std::u16string(1, letter));
+  desktop.store(u"exemptBundleIDs", exempt);
+  double x = 0;
+  desktop.play({"screen none\n menu Settings…",
+                [&] {
+                  EXPECT_EQ(window().contentSize().height, documentHeight()) << "with its list in it";
+                  EXPECT_GT(documentHeight(), 780);
+                  x = window().frame.origin.x;
+                },
+                "screen 1000 700\n menu Settings…",
+                [&] {
+                  EXPECT_EQ(window().contentSize().height, documentHeight()) << "measured once";
+                  EXPECT_NE(window().frame.origin.x, x);
+                  EXPECT_EQ(window().frame.origin.x, (1000 - window().frame.size.width) / 2);
+                }});
 }
 
 TEST_F(SettingsWindowTest, MeasuresItsDocumentWheneverTheListOrTheWindowChanges) {
-  for (const char* each : {"org.a", "org.b"})
-    remapper->addExemptBundleID(platform::NSString::utf8(each));
-  open();
-  const auto height = [&] { return first<desktop::ScrollView>().document->frame.size.height; };
-  const double two = height();
-  EXPECT_TRUE(click("Remove"));
-  const double one = height();
-  EXPECT_EQ(one, two - 26);
-  EXPECT_TRUE(click("Remove"));
-  EXPECT_EQ(height(), one) << "an emptied list waits for the next time the window is shown";
-  open();
-  const double wide = height();
-  EXPECT_LT(wide, one);
-  EXPECT_TRUE(window().resize({460, 560}));
-  EXPECT_EQ(height(), wide + 16) << "a note takes another line";
-  EXPECT_TRUE(window().resize({460, 2000}));
-  EXPECT_EQ(height(), 2000) << "as high as the window";
-  EXPECT_TRUE(window().resize({612, 560}));
-  EXPECT_EQ(height(), wide);
-}
-
-TEST_F(SettingsWindowTest, ScrollsOnlyUpAndDown) {
-  open();
-  const auto& scroll = first<desktop::ScrollView>();
-  EXPECT_TRUE(scroll.hasVerticalScroller && scroll.autohidesScrollers);
-  EXPECT_FALSE(scroll.hasHorizontalScroller || scroll.drawsBackground);
-  EXPECT_EQ(scroll.document->autoresizingMask, platform::NSViewWidthSizable);
-  EXPECT_FALSE(scroll.document->translatesMask);
-  EXPECT_EQ(first<desktop::ImageView>().scaling, platform::NSImageScaleProportionallyUpOrDown);
-  EXPECT_TRUE(first<desktop::Button>().tint) << "the link to the program's page is quieter than its label";
-  const desktop::View& settings = *scroll.document->subviews.back();
-  const double below = scroll.document->frame.size.height - settings.frame.origin.y - settings.frame.size.height;
-  EXPECT_EQ(settings.frame.origin.y, 136);
-  EXPECT_EQ(below, 20);
-}
-
-TEST_F(SettingsWindowTest, CannotBeHadFromAnArchive) {
-  open();
-  const auto archive = platform::make<"NSObject", "init">();
-  EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(archive)));
+  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.a", u"org.b"});
+  double one = 0;
+  double none = 0;
+  desktop.play({"menu Settings…",
+                [&] {
+                  const double two = documentHeight();
+                  EXPECT_TRUE(click("Remove"));
+                  one = documentHeight();
+                  EXPECT_EQ(one, two - 26);
+                  EXPECT_TRUE(click("Remove"));
+                  EXPECT_EQ(documentHeight(), one) << "an emptied list waits for the next time the window is shown";
+                },
+                "menu Settings…",
+                [&] {
+                  none = documentHeight();
+                  EXPECT_LT(none, one);
+                },
+                "resize 460 560", [&] { EXPECT_EQ(documentHeight(), none + 16) << "a note takes another line"; },
+                "resize 460 2000", [&] { EXPECT_EQ(documentHeight(), 2000) << "as high as the window"; },
+                "resize 612 560", [&] { EXPECT_EQ(documentHeight(), none); }});
 }
 
 } // namespace
-} // namespace tarnwick
+} // namespace desktop

@@ -1,5 +1,6 @@
 #include "tests/support/TestDesktop.hpp"
 
+#include "desktop/session/KeyNames.hpp"
 #include "desktop/session/Session.hpp"
 #include "desktop/session/Trace.hpp"
 
@@ -79,6 +80,11 @@ std::string contentsOf(const std::filesystem::path& file) {
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+std::string keyLine(const std::string& beginning, std::string_view keys) {
+  const KeyStroke key = keyNamed(keys);
+  return beginning + '\t' + factCode(key.code) + '\t' + factFlags(key.flags) + '\n';
+}
+
 LeakCheck::LeakCheck() {
   static const bool warm = (warmUp(), true);
   static_cast<void>(warm);
@@ -104,6 +110,22 @@ std::string TestDesktop::trace() const {
   for (const Fact& fact : facts)
     lines += traceLine(fact) + '\n';
   return lines;
+}
+
+std::string TestDesktop::press(std::string_view keys) {
+  const platform::AutoreleasePool own;
+  const KeyStroke key = keyNamed(keys);
+  const auto told = [&](CGEventType type) {
+    const auto event = create<Event>();
+    event->type = type;
+    event->code = key.code;
+    event->flags = key.flags;
+    const bool passes = machine.server.throughTaps(event.get()) != nullptr;
+    return passes ? describeKey(static_cast<std::uint16_t>(event->code), event->flags) : "swallowed";
+  };
+  std::string down = told(kCGEventKeyDown);
+  EXPECT_EQ(told(kCGEventKeyUp), down) << keys << " released";
+  return down;
 }
 
 std::string TestDesktop::play(const std::vector<Step>& steps) {

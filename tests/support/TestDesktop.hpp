@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -43,6 +44,10 @@ private:
 /// What happens next: lines of a session, or a look at how things stand by then.
 using Step = std::variant<std::string, std::function<void()>>;
 
+/// The line of a trace that ends in a key's numbers, which its name stands for: `keyLine("key\tEditor\tdown",
+/// "cmd+c")`.
+std::string keyLine(const std::string& beginning, std::string_view keys);
+
 /// Every test's desktop: bundle and defaults are its own, every fact is kept, and nothing may leak.
 class TestDesktop {
   LeakCheck nothingLeaks;
@@ -59,6 +64,9 @@ public:
   /// The facts so far, as a trace tells them.
   std::string trace() const;
   void store(const std::u16string& key, PropertyList value) { machine.defaults->file->set(key, std::move(value)); }
+
+  /// A key pressed and released: by what name it leaves the taps, or that they swallowed it.
+  std::string press(std::string_view keys);
 
   /// Plays a whole session, from before the launch until the program has quit, and answers its trace. Once only.
   std::string play(const std::vector<Step>& steps);
