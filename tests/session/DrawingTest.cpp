@@ -189,7 +189,7 @@ TEST(PicturesTest, AreWhatTheirSessionsDraw) {
     EXPECT_EQ(run.status, 0) << run.complaints;
     EXPECT_FALSE(has(run.output, "lost")) << run.output;
     EXPECT_TRUE(contentsOf(folder.path / (name + ".svg")) == contentsOf(entry.path()))
-        << name << ".svg is out of date: run ./dev pictures, look at the result and commit it";
+        << name << ".svg is out of date: run ./dev record, look at the result and commit it";
   }
 }
 
