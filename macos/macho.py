@@ -8,6 +8,7 @@ ARM64 = 0x0100000C
 PROCESSORS = {ARM64: "arm64", 0x01000007: "x86_64"}
 
 LC_SYMTAB = 0x2
+LC_DYSYMTAB = 0xB
 LC_LOAD_DYLINKER = 0xE
 LC_SEGMENT_64 = 0x19
 MH_EXECUTE = 2
@@ -27,12 +28,16 @@ class MachOError(Exception):
 @dataclass
 class Section:
     name: str
+    address: int
     size: int
+    first_stub: int  # of a section of stubs: where the numbers of their symbols begin in the table of these
+    stub_size: int
 
 
 @dataclass
 class Segment:
     name: str
+    address: int
     file_offset: int
     file_size: int
     protection: int  # what the system lets the segment become: read 1, write 2, execute 4
@@ -158,12 +163,13 @@ def read_image(data):
 def read_segment(image, position):
     """A segment and its sections."""
     name = text_at(image.data, position + 8, position + 24)
-    offset, size = struct.unpack_from("<2Q", image.data, position + 40)
+    address, _, offset, size = struct.unpack_from("<4Q", image.data, position + 24)
     protection, _, count = struct.unpack_from("<3I", image.data, position + 56)
-    image.segments.append(Segment(name, offset, size, protection, position))
+    image.segments.append(Segment(name, address, offset, size, protection, position))
     for start in range(position + 72, position + 72 + 80 * count, 80):
         section = text_at(image.data, start, start + 16)
-        image.sections.append(Section(section, struct.unpack_from("<Q", image.data, start + 40)[0]))
+        address, size = struct.unpack_from("<2Q", image.data, start + 32)
+        image.sections.append(Section(section, address, size, *struct.unpack_from("<2I", image.data, start + 68)))
 
 
 def read_symbols(image, position):

@@ -1,0 +1,76 @@
+"""What the shipped program executes while a session is played: each of its own instructions, as the emulator logs it."""
+import functools
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+ROOT = HERE.parents[1]
+sys.path.insert(0, str(HERE.parent))
+
+import macho  # noqa: E402
+
+BUILD = ROOT / "build" / "macos"
+PLACE = 0x6000000000  # where Slice.cpp maps the program
+EMULATORS = {"x86_64": ["qemu-x86_64"], "arm64": ["qemu-aarch64", "-L", "/usr/aarch64-linux-gnu"]}
+COMMANDS = {"x86_64": BUILD / "tarnwick-shipped", "arm64": BUILD / "tarnwick-shipped-arm64.elf"}
+LOGGED = re.compile(r"\[[0-9a-f]+/([0-9a-f]+)/")
+
+
+class ExecutionError(Exception):
+    """Nothing can be measured; the text is for the person who asked for it."""
+
+
+@dataclass
+class Program:
+    """One processor's slice: addresses count from its beginning."""
+    code: range
+    imports: dict  # where a call of an imported function goes through: its name
+
+
+@functools.cache
+def program(processor):
+    """What is where in the slice that is shipped."""
+    data = (BUILD / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick").read_bytes()
+    image = next(image for image in map(macho.read_image, macho.slices(data)) if image.processor == processor)
+    base = image.segment("__TEXT").address
+    sections = {section.name: section for section in image.sections}
+    code, stubs = sections["__text"], sections["__stubs"]
+    # Which symbol each stub is for stands in a table of its own, by the symbols' numbers.
+    indirect = struct.unpack_from("<I", image.data, image.command(macho.LC_DYSYMTAB) + 56)[0]
+    symbols, _, names = struct.unpack_from("<3I", image.data, image.command(macho.LC_SYMTAB) + 8)
+    imports = {}
+    for number in range(stubs.size // stubs.stub_size):
+        symbol = struct.unpack_from("<I", image.data, indirect + 4 * (stubs.first_stub + number))[0]
+        name = struct.unpack_from("<I", image.data, symbols + 16 * symbol)[0]
+        imports[stubs.address - base + number * stubs.stub_size] = macho.text_at(image.data, names + name)[1:]
+    return Program(range(code.address - base, code.address - base + code.size), imports)
+
+
+def one_instruction_at_a_time(emulator):
+    """The emulator's option for a log that has every instruction."""
+    known = subprocess.run([emulator, "-h"], capture_output=True, text=True, check=False).stdout
+    return "-one-insn-per-tb" if "one-insn-per-tb" in known else "-singlestep"
+
+
+def executed(processor, *words, folder):
+    """The instructions that the program executes while the command is run with these words, in their order."""
+    emulator = EMULATORS[processor]
+    if shutil.which(emulator[0]) is None:
+        raise ExecutionError(f"{emulator[0]} is missing; it is in the package qemu-user")
+    if not COMMANDS[processor].exists():
+        raise ExecutionError(f"{COMMANDS[processor]} is missing; ./dev app builds it")
+    with tempfile.TemporaryDirectory() as work:
+        log = Path(work) / "log"
+        subprocess.run([*emulator, one_instruction_at_a_time(emulator[0]), "-d", "exec,nochain", "-D", log,
+                        "-dfilter", f"{PLACE:#x}+0x1000000", COMMANDS[processor], *words],
+                       cwd=folder, check=True, stdout=subprocess.DEVNULL)
+        instructions = [int(address, 16) - PLACE for address in LOGGED.findall(log.read_text())]
+    if not instructions:
+        raise ExecutionError(f"nothing of the program was executed at {PLACE:#x}")
+    return instructions

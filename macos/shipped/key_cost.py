@@ -1,0 +1,65 @@
+#!/usr/bin/env python3
+"""Counts what one key-down costs in the shipped program: calls of the platform, and instructions of its own.
+
+Two sessions that differ by one key-down are played one instruction at a time; what the longer one does more is the
+key's. Nothing is timed, so the numbers are the same on every run.
+"""
+import sys
+import tempfile
+from collections import Counter
+from dataclasses import dataclass
+from pathlib import Path
+
+import execution
+
+# What is done before the key, and the key.
+SITUATIONS = {
+    "letter": ("launch", "a"),
+    "shortcut": ("launch", "ctrl+c"),
+    "exempt application": ("app Exempt com.example.exempt\nfront Exempt", "ctrl+c"),
+    "Finder": ("front Finder", "a"),
+    "nobody in front": ("front none", "a"),
+    "disabled": ('menu "Disable Tarnwick"', "a"),
+}
+DEFAULTS = ('<plist version="1.0"><dict><key>exemptBundleIDs</key>'
+            "<array><string>com.example.exempt</string></array></dict></plist>")
+STEADY = 3  # key-downs after which nothing is done for the first time
+
+
+@dataclass
+class Cost:
+    calls: Counter  # of the platform, by name
+    instructions: int  # the program's own, with those that lead to its calls
+
+
+def cost(processor, situation):
+    """What a key-down costs once the program has seen some."""
+    before, key = SITUATIONS[situation]
+    with tempfile.TemporaryDirectory() as work:
+        folder = Path(work)
+        (folder / "defaults.plist").write_text(DEFAULTS)
+        runs = []
+        for count in (STEADY, STEADY + 1):
+            (folder / "session").write_text("\n".join([before, *[f"down {key}"] * count, ""]))
+            runs.append(execution.executed(processor, "--defaults", "defaults.plist", "session", folder=folder))
+    imports = execution.program(processor).imports
+    calls = [Counter(imports[place] for place in run if place in imports) for run in runs]
+    return Cost(calls[1] - calls[0], len(runs[1]) - len(runs[0]))
+
+
+def main():
+    """Prints a row for each situation."""
+    print(f"{'one key-down':20}{'calls':>8}{'x86-64':>10}{'arm64':>10}   the program's own instructions")
+    for situation in SITUATIONS:
+        costs = [cost(processor, situation) for processor in ("x86_64", "arm64")]
+        print(f"{situation:20}{costs[0].calls.total():8}{costs[0].instructions:10}{costs[1].instructions:10}")
+        for name, count in sorted(costs[0].calls.items()):
+            print(f"{count:28}  {name}")
+    return 0
+
+
+if __name__ == "__main__":
+    try:
+        sys.exit(main())
+    except (execution.ExecutionError, OSError) as error:
+        sys.exit(f"key_cost.py: {error}")
