@@ -1,12 +1,10 @@
-#!/usr/bin/env python3
 """Tells how much of the shipped arm64 program the sessions reach: the share of its instructions that are executed."""
+import shutil
 import sys
 import tempfile
-import shutil
 from pathlib import Path
 
-import execution
-import sessions
+from macos.shipped import execution, sessions
 
 INSTRUCTION = 4  # bytes, each of them on arm64
 
@@ -29,4 +27,4 @@ if __name__ == "__main__":
     try:
         sys.exit(main())
     except (execution.ExecutionError, OSError) as error:
-        sys.exit(f"coverage.py: {error}")
+        sys.exit(f"macos.shipped.coverage: {error}")

@@ -1,21 +1,16 @@
-"""What the shipped program executes while a session is played: each of its own instructions, as the emulator logs it."""
+"""What the shipped program executes while a session is played: its own instructions, as the emulator logs them."""
 import functools
 import re
 import shutil
 import struct
 import subprocess
-import sys
 import tempfile
 from dataclasses import dataclass
 from pathlib import Path
 
-HERE = Path(__file__).resolve().parent
-ROOT = HERE.parents[1]
-sys.path.insert(0, str(HERE.parent))
+from macos import macho
 
-import macho  # noqa: E402
-
-BUILD = ROOT / "build" / "macos"
+BUILD = Path(__file__).resolve().parents[2] / "build" / "macos"
 PLACE = 0x6000000000  # where Slice.cpp maps the program
 EMULATORS = {"x86_64": ["qemu-x86_64"], "arm64": ["qemu-aarch64", "-L", "/usr/aarch64-linux-gnu"]}
 COMMANDS = {"x86_64": BUILD / "tarnwick-shipped", "arm64": BUILD / "tarnwick-shipped-arm64.elf"}

@@ -1,4 +1,3 @@
-#!/usr/bin/env python3
 """Counts what one key-down costs in the shipped program: calls of the platform, and instructions of its own.
 
 Two sessions that differ by one key-down are played one instruction at a time; what the longer one does more is the
@@ -10,7 +9,7 @@ from collections import Counter
 from dataclasses import dataclass
 from pathlib import Path
 
-import execution
+from macos.shipped import execution
 
 # What is done before the key, and the key.
 SITUATIONS = {
@@ -62,4 +61,4 @@ if __name__ == "__main__":
     try:
         sys.exit(main())
     except (execution.ExecutionError, OSError) as error:
-        sys.exit(f"key_cost.py: {error}")
+        sys.exit(f"macos.shipped.key_cost: {error}")

@@ -3,17 +3,13 @@ import functools
 import shutil
 import struct
 import subprocess
-import sys
 import tempfile
 import unittest
 from pathlib import Path
 
 import fixture
-import macho
-
-sys.path.insert(0, str(fixture.ROOT / "macos" / "shipped"))
-
-import sessions  # noqa: E402
+from macos import macho
+from macos.shipped import sessions
 
 BUILD = fixture.ROOT / "build"
 NATIVE = BUILD / "tarnwick"
@@ -107,7 +103,8 @@ class Refusals(Case):
         self.expect_refusal(b"#!/bin/sh\n" * 100, "Tarnwick is not a universal program")
         self.expect_refusal(macho.slices(shipped())[0], "Tarnwick is not a universal program")
         with tempfile.TemporaryDirectory() as work:
-            self.expect_refusal(fixture.library(Path(work)), "Tarnwick has a slice that is not a program for this processor")
+            self.expect_refusal(fixture.library(Path(work)),
+                                "Tarnwick has a slice that is not a program for this processor")
 
     def test_other_processor(self):
         for part, missing in zip(macho.slices(shipped()), reversed(macho.slices(shipped()))):
@@ -130,17 +127,19 @@ class Refusals(Case):
             struct.pack_into("<I", part, commands[macho.LC_MAIN] + 4, 0)
 
         def entry_in_data(part, commands):
-            struct.pack_into("<Q", part, commands[macho.LC_MAIN] + 8, macho.read_image(bytes(part)).segment("__DATA").file_offset)
+            data = macho.read_image(bytes(part)).segment("__DATA")
+            struct.pack_into("<Q", part, commands[macho.LC_MAIN] + 8, data.file_offset)
 
         self.expect_refusal(changed_slices(unknown), "load command 0x80000099, which the loader does not know")
         self.expect_refusal(changed_slices(without_size), "a load command without a size")
         self.expect_refusal(changed_slices(entry_in_data), "its entry outside its code")
 
     def test_features(self):
-        self.expect_refusal(mac_program("__attribute__((constructor)) void early(void) { __builtin_trap(); }\n"
-                                        "int main(void) { return 0; }\n"), "section __.*init.*, which the loader does not know")
-        self.expect_refusal(mac_program('__attribute__((section("__DATA,__objc_classlist"), used)) void *list[1];\n'
-                                        "int main(void) { return 0; }\n"), "section __objc_classlist, which the loader does not know")
+        for name, source in (
+                ("__.*init.*", "__attribute__((constructor)) void early(void) { __builtin_trap(); }"),
+                ("__objc_classlist", '__attribute__((section("__DATA,__objc_classlist"), used)) void *list[1];')):
+            self.expect_refusal(mac_program(f"{source}\nint main(void) {{ return 0; }}\n"),
+                                f"section {name}, which the loader does not know")
 
     def test_import_that_the_stand_in_lacks(self):
         self.expect_refusal(shipped().replace(b"_CGEventPost\0", b"_CGEventPast\0"),
