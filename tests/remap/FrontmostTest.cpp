@@ -18,6 +18,7 @@ protected:
                     EXPECT_EQ(desktop.press("ctrl+c"), "Ctrl+C");
                     EXPECT_EQ(machine.queries.frontmost + machine.queries.ownIdentifier, 0) << "not even asked";
                   }});
+    EXPECT_EQ(*machine.defaults->file->value(u"exemptBundleIDs"), exempt) << "reading must not write";
   }
   /// Whether shortcuts are rewritten with an application of that identifier in front, or of none.
   bool rewrites(const Identifier& identifier) {
