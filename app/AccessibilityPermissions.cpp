@@ -2,6 +2,7 @@
 
 #include "platform/Accessibility.hpp"
 #include "platform/Alert.hpp"
+#include "platform/Collections.hpp"
 
 namespace tarnwick {
 

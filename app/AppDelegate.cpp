@@ -4,6 +4,7 @@
 #include "app/Updates.hpp"
 #include "platform/Application.hpp"
 #include "platform/RuntimeClass.hpp"
+#include "platform/Workspace.hpp"
 #include "settings/MappingsWindowController.hpp"
 
 namespace tarnwick {

@@ -1,6 +1,7 @@
 /// Whether and how the program updates itself.
 #pragma once
 
+#include "platform/Bundles.hpp"
 #include "platform/Updater.hpp"
 
 namespace tarnwick {

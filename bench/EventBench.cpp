@@ -1,7 +1,7 @@
 /// What one key event costs from its delivery to the tap callback's answer, beside two floors of the same run.
 
 #include "bench/Allocations.hpp"
-#include "desktop/quartz/Desktop.hpp"
+#include "desktop/Desktop.hpp"
 #include "remap/KeyRemapper.hpp"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ void event(benchmark::State& state, Typed typed, const char* application, bool e
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.mainBundle->open(TARNWICK_BUNDLE);
-  desktop.frontmost = shared(desktop.named(application));
+  desktop.applications.frontmost = shared(desktop.applications.named(application));
   desktop.defaults->file->set(u"exemptBundleIDs", exemptions(state.range(0), exempt));
   const auto remapper = tarnwick::KeyRemapper::make();
   remapper->start();
@@ -83,7 +83,8 @@ void event(benchmark::State& state, Typed typed, const char* application, bool e
   const long made = allocationCount() - before;
   state.counters["allocations"] = benchmark::Counter(static_cast<double>(made), benchmark::Counter::kAvgIterations);
   // With the Finder in front the platform hands out elements and values of its own.
-  if (made != 0 && desktop.named("Finder") != desktop.frontmost.get()) state.SkipWithError("the key path allocated");
+  if (made != 0 && desktop.applications.named("Finder") != desktop.applications.frontmost.get())
+    state.SkipWithError("the key path allocated");
   remapper->stop();
 }
 

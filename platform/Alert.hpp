@@ -1,7 +1,7 @@
 /// Modal alerts.
 #pragma once
 
-#include "platform/Foundation.hpp"
+#include "platform/Strings.hpp"
 
 namespace platform {
 

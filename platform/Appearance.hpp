@@ -1,7 +1,7 @@
 /// Colours, fonts and layers: how views look.
 #pragma once
 
-#include "platform/Foundation.hpp"
+#include "platform/Send.hpp"
 
 #if defined(__APPLE__) && __has_include(<CoreGraphics/CGColor.h>)
 #include <CoreGraphics/CGColor.h>

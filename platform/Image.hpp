@@ -1,7 +1,7 @@
 /// Images.
 #pragma once
 
-#include "platform/Foundation.hpp"
+#include "platform/Bundles.hpp"
 
 /// An `NSString`: the application's own icon among the platform's named images.
 extern "C" const id NSImageNameApplicationIcon;

@@ -1,6 +1,7 @@
 /// The panel that lets the user choose files, and the types that it offers.
 #pragma once
 
+#include "platform/Bundles.hpp"
 #include "platform/Window.hpp"
 
 /// A `UTType`: a folder that is an application.

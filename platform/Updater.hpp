@@ -1,7 +1,7 @@
 /// The Sparkle update framework, version 2: a part of the application bundle, not of the system.
 #pragma once
 
-#include "platform/Foundation.hpp"
+#include "platform/Send.hpp"
 
 namespace platform {
 

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "platform/Appearance.hpp"
-#include "platform/Layout.hpp"
+#include "platform/Constraints.hpp"
+#include "platform/Strings.hpp"
 
 namespace platform {
 

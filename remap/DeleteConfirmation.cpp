@@ -1,6 +1,6 @@
 #include "platform/Alert.hpp"
-#include "platform/Application.hpp"
 #include "platform/Dispatch.hpp"
+#include "platform/Workspace.hpp"
 #include "remap/KeyRemapper.hpp"
 
 namespace tarnwick {

@@ -1,3 +1,4 @@
+#include "platform/UserDefaults.hpp"
 #include "remap/KeyRemapper.hpp"
 
 #include <algorithm>

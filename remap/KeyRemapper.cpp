@@ -1,5 +1,7 @@
 #include "remap/KeyRemapper.hpp"
 
+#include "platform/Bundles.hpp"
+
 namespace tarnwick {
 
 using namespace platform;

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/EventServices.hpp"
-#include "platform/Foundation.hpp"
+#include "platform/Strings.hpp"
 #include "remap/TranslationRules.hpp"
 
 #include <memory>

@@ -1,5 +1,5 @@
 #include "platform/Accessibility.hpp"
-#include "platform/Application.hpp"
+#include "platform/Workspace.hpp"
 #include "remap/KeyRemapper.hpp"
 
 namespace tarnwick {

@@ -2,6 +2,7 @@
 
 #include "platform/Application.hpp"
 #include "platform/RuntimeClass.hpp"
+#include "platform/Workspace.hpp"
 
 namespace tarnwick {
 

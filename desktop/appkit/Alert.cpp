@@ -1,3 +1,5 @@
+#include "desktop/appkit/Alert.hpp"
+
 #include "desktop/appkit/AppKit.hpp"
 
 namespace desktop {
@@ -12,22 +14,22 @@ Button* Alert::addButtonWithTitle(String* title) {
   return buttons.back().get();
 }
 
-Fact Alert::fact() const {
-  Fact fact{"alert", textOf(message.get()), textOf(informative.get())};
+JournalEntry Alert::entry() const {
+  JournalEntry entry{"alert", textOf(message.get()), textOf(informative.get())};
   for (const auto& button : buttons)
-    fact.push_back(textOf(button->title.get()));
-  return fact;
+    entry.push_back(textOf(button->title.get()));
+  return entry;
 }
 
 NSInteger Alert::runModal() {
   if (buttons.empty()) addButtonWithTitle(string(u"OK").get());
-  return Desktop::current().appKit->runModal(*this, fact());
+  return AppKit::current().runModal(*this, entry());
 }
 
 bool Alert::press(const std::string& title, std::uint64_t row) {
   for (std::size_t index = 0; index < buttons.size(); ++index) {
     if (textOf(buttons[index]->title.get()) != title || --row != 0) continue;
-    Desktop::current().appKit->answerModal(firstButtonReturn + static_cast<NSInteger>(index), title);
+    AppKit::current().answerModal(firstButtonReturn + static_cast<NSInteger>(index), title);
     return true;
   }
   return false;

@@ -1,77 +1,16 @@
-/// The stand-in's AppKit: the application object, the status bar with its menus, what is on the screen, modal sessions.
+/// The stand-in's AppKit: everything that the user sees of the program, and that they act on.
+///
+/// Read what platform/'s headers of the same names are about: Application and Workspace, StatusBar, Alert, then View,
+/// Control and Window with what they need, and Updater, a framework of others that asks for nothing but AppKit. Layout,
+/// with Constraints and ConstraintSolver, gives the views their frames, for which FontMetrics measures their texts.
 #pragma once
 
-#include "desktop/appkit/Windows.hpp"
-#include "desktop/quartz/Desktop.hpp"
+#include "desktop/appkit/Alert.hpp"
+#include "desktop/appkit/Application.hpp"
+#include "desktop/appkit/OpenPanel.hpp"
+#include "desktop/appkit/StatusBar.hpp"
 
 namespace desktop {
-
-struct MenuItem : Object {
-  Ref<String> title;
-  Ref<String> keyEquivalent;
-  SEL action = nullptr;
-  /// Not owned, as on the platform.
-  id target = nullptr;
-  BOOL enabled = true;
-  bool isSeparator = false;
-
-  MenuItem* initWithTitle(String* text, SEL selector, String* key);
-  static Ref<MenuItem> separatorItem();
-  void setTarget(id value) { target = value; }
-  void setAction(SEL value) { action = value; }
-  void setEnabled(BOOL value) { enabled = value; }
-  void setTitle(String* value) { title = shared(value); }
-};
-
-struct Menu : Object {
-  std::vector<Ref<MenuItem>> items;
-
-  void addItem(MenuItem* item) { items.push_back(shared(item)); }
-  MenuItem* itemWithTitle(const std::string& title) const;
-};
-
-struct StatusBarButton : Button {};
-
-/// In the status bar while somebody keeps it.
-struct StatusItem : Object {
-  CGFloat length = 0;
-  Ref<StatusBarButton> itsButton;
-  Ref<Menu> menu;
-
-  ~StatusItem();
-  StatusBarButton* button() const { return itsButton.get(); }
-  /// With its menu the item is complete: now it shows itself.
-  void setMenu(Menu* value);
-};
-
-struct Alert : Object {
-  Ref<String> message;
-  Ref<String> informative;
-  NSUInteger style = 0;
-  std::vector<Ref<Button>> buttons;
-
-  void setAlertStyle(NSUInteger value) { style = value; }
-  void setMessageText(String* text) { message = shared(text); }
-  void setInformativeText(String* text) { informative = shared(text); }
-  Button* addButtonWithTitle(String* title);
-  NSInteger runModal();
-  /// How a trace tells of it.
-  Fact fact() const;
-  /// Presses the `row`th (from 1) button of that title; false when there is none.
-  bool press(const std::string& title, std::uint64_t row);
-};
-
-struct Application : Object {
-  /// Not owned, as on the platform.
-  id delegate = nullptr;
-  NSInteger activationPolicy = 0;
-
-  void setDelegate(id value);
-  BOOL setActivationPolicy(NSInteger policy);
-  void run();
-  void terminate(id sender);
-  void activateIgnoringOtherApps(BOOL ignoring);
-};
 
 /// What blocks the program until the user answers it.
 struct ModalSession {
@@ -81,8 +20,10 @@ struct ModalSession {
 };
 
 /// AppKit's part of the desktop.
-struct AppKit {
+struct AppKit : Part<AppKit> {
   Ref<Application> application;
+  /// Visible frame of the main screen; none without a screen.
+  std::optional<CGSize> screen = CGSize{1440, 815};
   bool isTerminated = false;
   /// Not owned: each leaves when it goes.
   std::vector<StatusItem*> statusItems;
@@ -98,23 +39,28 @@ struct AppKit {
   Alert* frontAlert() const { return ifIs<Alert>(frontModal()); }
   OpenPanel* frontPanel() const { return ifIs<OpenPanel>(frontModal()); }
 
-  /// Shows an alert or panel, of which `fact` tells. Returns once it is answered, or with -1001 when the user has
+  /// Shows an alert or panel, of which `entry` tells. Returns once it is answered, or with -1001 when the user has
   /// nothing more to do.
-  NSInteger runModal(Object& shown, const Fact& fact);
+  NSInteger runModal(Object& shown, const JournalEntry& entry);
   /// Answers the front one; `told` is what the trace tells of it.
   void answerModal(NSInteger answer, const std::string& told) const;
 };
 
-/// Sends the delegate a notification that it may have no method for.
-void tellDelegate(id delegate, const char* selector);
+/// Registers the classes of this folder and of those before it, once.
+void registerAppKitClasses();
 
-/// What the Finder does with a key that it receives: Return begins or ends renaming, Escape ends it, Command-Delete
-/// moves the selection to the Bin.
-void finderReaction(RunningApplication& finder, const Event& event);
-
+void registerApplicationClasses();
+void registerWorkspaceClasses();
 void registerImageClass();
+void registerAppearanceClasses();
+void registerConstraintClasses();
+void registerViewClasses();
+void registerControlClasses();
+void registerWindowClasses();
+void registerOpenPanelClasses();
 void registerStatusBarClasses();
 void registerAlertClass();
-void registerAppKitClasses();
+/// Only when the framework is loaded, which it comes with.
+void registerUpdaterClass();
 
 } // namespace desktop

@@ -1,4 +1,6 @@
-#include "desktop/appkit/Views.hpp"
+#include "desktop/appkit/Appearance.hpp"
+
+#include "desktop/appkit/AppKit.hpp"
 
 namespace desktop {
 namespace {

@@ -1,5 +1,12 @@
+#include "desktop/appkit/Application.hpp"
+
 #include "desktop/appkit/AppKit.hpp"
-#include "desktop/appkit/Constraints.hpp"
+#include "desktop/appkit/Workspace.hpp"
+#include "desktop/foundation/Bundles.hpp"
+#include "desktop/foundation/CoreFoundation.hpp"
+#include "desktop/foundation/Dispatch.hpp"
+#include "desktop/quartz/Applications.hpp"
+#include "desktop/quartz/EventServices.hpp"
 
 namespace desktop {
 namespace {
@@ -7,7 +14,7 @@ namespace {
 struct Notification : Object {};
 
 Application* sharedApplication() {
-  Ref<Application>& application = Desktop::current().appKit->application;
+  Ref<Application>& application = AppKit::current().application;
   if (!application) application = create<Application>();
   return application.get();
 }
@@ -33,49 +40,34 @@ BOOL Application::setActivationPolicy(NSInteger policy) {
 }
 
 void Application::run() {
-  Desktop& desktop = Desktop::current();
-  const String* identifier = desktop.mainBundle->identifier.get();
-  desktop.tarnwick = shared(&desktop.start("Tarnwick", textOf(identifier)));
+  const String* identifier = MainBundle::current()->identifier.get();
+  Applications& applications = Applications::current();
+  applications.tarnwick = shared(&applications.start("Tarnwick", textOf(identifier)));
   tellDelegate(delegate, "applicationDidFinishLaunching:");
-  desktop.serve([&] { return desktop.inputEnded; });
+  RunLoop& loop = RunLoop::current();
+  loop.serve([&] { return loop.inputEnded; });
   terminate(nullptr);
 }
 
 void Application::terminate(id /*sender*/) {
-  Desktop& desktop = Desktop::current();
-  if (desktop.appKit->isTerminated) return;
+  AppKit& appKit = AppKit::current();
+  if (appKit.isTerminated) return;
   tellDelegate(delegate, "applicationWillTerminate:");
-  desktop.appKit->isTerminated = true;
-  desktop.appKit->windows.clear();
-  desktop.journal({"terminate"});
-  desktop.server.forgetProgram();
-  desktop.queue.clear();
-  desktop.end("Tarnwick");
-  desktop.tarnwick = nullptr;
+  appKit.isTerminated = true;
+  appKit.windows.clear();
+  tell({"terminate"});
+  WindowServer::current().forgetProgram();
+  MainQueue::current().clear();
+  Applications::current().end("Tarnwick");
+  Applications::current().tarnwick = nullptr;
 }
 
 void Application::activateIgnoringOtherApps(BOOL ignoring) {
-  if (!ignoring && Desktop::current().frontmost) return;
-  Desktop::current().tarnwick->activateWithOptions(0);
+  const Applications& applications = Applications::current();
+  if (ignoring || !applications.frontmost) bringToFront(*applications.tarnwick);
 }
 
-NSInteger AppKit::runModal(Object& shown, const Fact& fact) {
-  constexpr NSInteger NSModalResponseAbort = -1001;
-  Desktop& desktop = Desktop::current();
-  ModalSession session{&shown, std::nullopt};
-  modalSessions.push_back(&session);
-  desktop.journal(fact);
-  desktop.serve([&] { return session.answer || desktop.inputEnded; });
-  modalSessions.pop_back();
-  return session.answer.value_or(NSModalResponseAbort);
-}
-
-void AppKit::answerModal(NSInteger answer, const std::string& told) const {
-  modalSessions.back()->answer = answer;
-  Desktop::current().journal({"answer", told});
-}
-
-void registerAppKitClasses() {
+void registerApplicationClasses() {
   NativeClass<Notification>("NSNotification", "NSObject");
   NativeClass<Application>("NSApplication", "NSObject")
       .classMethod<"sharedApplication", &sharedApplication>()
@@ -84,16 +76,6 @@ void registerAppKitClasses() {
       .method<"run", &Application::run>()
       .method<"terminate:", &Application::terminate>()
       .method<"activateIgnoringOtherApps:", &Application::activateIgnoringOtherApps>();
-  registerImageClass();
-  registerAppearanceClasses();
-  registerConstraintClasses();
-  registerViewClasses();
-  registerControlClasses();
-  registerContainerClasses();
-  registerWindowClasses();
-  registerOpenPanelClasses();
-  registerStatusBarClasses();
-  registerAlertClass();
 }
 
 } // namespace desktop

@@ -1,5 +1,7 @@
 #include "desktop/appkit/Constraints.hpp"
 
+#include "desktop/appkit/AppKit.hpp"
+
 namespace desktop {
 namespace {
 

@@ -1,7 +1,7 @@
 /// Layout anchors, and the constraints that tie them to each other.
 #pragma once
 
-#include "desktop/appkit/Views.hpp"
+#include "desktop/appkit/View.hpp"
 
 namespace desktop {
 
@@ -42,7 +42,5 @@ template <class Anchor, Axis axis, Edge edge> Ref<Anchor> View::anchor() {
   made->edge = edge;
   return made;
 }
-
-void registerConstraintClasses();
 
 } // namespace desktop

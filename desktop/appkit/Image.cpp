@@ -1,4 +1,8 @@
+#include "desktop/appkit/Image.hpp"
+
 #include "desktop/appkit/AppKit.hpp"
+#include "desktop/foundation/Foundation.hpp"
+#include "platform/Image.hpp"
 
 namespace desktop {
 namespace {
@@ -39,7 +43,7 @@ std::string_view pictureIn(std::string_view icns, double enough) {
 }
 
 Ref<String> iconName() {
-  registerClasses();
+  registerFoundationClasses();
   return string(u"NSApplicationIcon");
 }
 
@@ -62,7 +66,7 @@ Ref<Image> Image::imageNamed(String* name) {
 
 Ref<Image> Image::applicationIcon() {
   auto image = create<Image>();
-  const auto file = Desktop::current().mainBundle->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
+  const auto file = MainBundle::current()->URLForResource(string(u"AppIcon").get(), string(u"icns").get());
   if (file) image->bytes = contentsOfFile(file->path);
   return image;
 }
@@ -78,6 +82,5 @@ void registerImageClass() {
 } // namespace desktop
 
 extern "C" {
-extern const id NSImageNameApplicationIcon;
 const id NSImageNameApplicationIcon = desktop::iconName().detach();
 }

@@ -1,7 +1,7 @@
 /// Images, kept as the files that they came from.
 #pragma once
 
-#include "desktop/foundation/Foundation.hpp"
+#include "desktop/foundation/Bundles.hpp"
 #include "platform/Geometry.hpp"
 
 namespace desktop {

@@ -4,7 +4,7 @@
 /// that no stack and no constraint places keep the frame that was set.
 #pragma once
 
-#include "desktop/appkit/Views.hpp"
+#include "desktop/appkit/View.hpp"
 
 namespace desktop {
 

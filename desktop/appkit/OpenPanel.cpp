@@ -1,4 +1,7 @@
+#include "desktop/appkit/OpenPanel.hpp"
+
 #include "desktop/appkit/AppKit.hpp"
+#include "platform/OpenPanel.hpp"
 
 namespace desktop {
 namespace {
@@ -7,7 +10,7 @@ constexpr NSInteger confirmed = 1;
 constexpr NSInteger cancelled = 0;
 
 Ref<ContentType> contentType(std::u16string_view identifier) {
-  registerClasses();
+  registerAppKitClasses();
   auto type = create<ContentType>();
   type->identifier = string(identifier);
   return type;
@@ -17,16 +20,16 @@ Ref<ContentType> contentType(std::u16string_view identifier) {
 
 NSInteger OpenPanel::runModal() {
   chosen = nullptr;
-  return Desktop::current().appKit->runModal(*this, {"panel", textOf(title.get())});
+  return AppKit::current().runModal(*this, {"panel", textOf(title.get())});
 }
 
 void OpenPanel::choose(const std::string& path) {
   chosen = fileURL(path);
-  Desktop::current().appKit->answerModal(confirmed, path);
+  AppKit::current().answerModal(confirmed, path);
 }
 
 void OpenPanel::cancel() {
-  Desktop::current().appKit->answerModal(cancelled, "");
+  AppKit::current().answerModal(cancelled, "");
 }
 
 void registerOpenPanelClasses() {
@@ -47,6 +50,5 @@ void registerOpenPanelClasses() {
 } // namespace desktop
 
 extern "C" {
-extern const id UTTypeApplicationBundle;
 const id UTTypeApplicationBundle = desktop::contentType(u"com.apple.application-bundle").detach();
 }

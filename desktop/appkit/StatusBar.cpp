@@ -1,3 +1,5 @@
+#include "desktop/appkit/StatusBar.hpp"
+
 #include "desktop/appkit/AppKit.hpp"
 
 namespace desktop {
@@ -8,7 +10,7 @@ struct StatusBar : Object {
     auto item = create<StatusItem>();
     item->length = length;
     item->itsButton = create<StatusBarButton>();
-    Desktop::current().appKit->statusItems.push_back(item.get());
+    AppKit::current().statusItems.push_back(item.get());
     return item;
   }
 };
@@ -41,17 +43,13 @@ MenuItem* Menu::itemWithTitle(const std::string& title) const {
 }
 
 StatusItem::~StatusItem() {
-  std::erase(Desktop::current().appKit->statusItems, this);
+  std::erase(AppKit::current().statusItems, this);
 }
 
 void StatusItem::setMenu(Menu* value) {
   menu = shared(value);
   const bool showsImage = static_cast<bool>(itsButton->image);
-  Desktop::current().journal({"status", showsImage ? "image" : textOf(itsButton->title.get())});
-}
-
-Menu* AppKit::statusMenu() const {
-  return isTerminated || statusItems.empty() ? nullptr : statusItems.front()->menu.get();
+  tell({"status", showsImage ? "image" : textOf(itsButton->title.get())});
 }
 
 void registerStatusBarClasses() {

@@ -29,8 +29,9 @@ void drawWallpaper(Svg& svg, CGSize page) {
 
 /// From the back to the front.
 void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
-  const AppKit& appKit = *desktop.appKit;
-  const bool hasKeyWindow = desktop.frontmost.get() == desktop.tarnwick.get() && appKit.frontModal() == nullptr;
+  const AppKit& appKit = desktop.appKit;
+  const bool hasKeyWindow =
+      desktop.applications.frontmost.get() == desktop.applications.tarnwick.get() && appKit.frontModal() == nullptr;
   for (Window* window : appKit.windows) {
     window->layOut();
     drawWindow(svg, *window, screen, hasKeyWindow && window == appKit.frontWindow());
@@ -44,11 +45,11 @@ void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
 } // namespace
 
 std::string drawScreen(const Desktop& desktop, const MenuBarState& menuBar) {
-  if (!desktop.screen) return drawNoScreen();
-  const CGSize page{desktop.screen->width, menuBarHeight + desktop.screen->height};
+  if (!desktop.appKit.screen) return drawNoScreen();
+  const CGSize page{desktop.appKit.screen->width, menuBarHeight + desktop.appKit.screen->height};
   Svg svg(page);
   drawWallpaper(svg, page);
-  if (!desktop.appKit->isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.screen});
+  if (!desktop.appKit.isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.appKit.screen});
   drawMenuBar(svg, desktop, page.width, menuBar);
   return std::move(svg).finished();
 }

@@ -1,7 +1,7 @@
 /// Pictures of the screen: what the user of the desktop would see at this moment.
 #pragma once
 
-#include "desktop/quartz/Desktop.hpp"
+#include "desktop/Desktop.hpp"
 
 namespace desktop {
 

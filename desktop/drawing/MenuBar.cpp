@@ -110,7 +110,7 @@ double drawRightHalf(Svg& svg, const Desktop& desktop, double right, bool menuIs
   x -= gap + 10;
   drawControlCentre(svg, x);
   x -= 10;
-  const AppKit& appKit = *desktop.appKit;
+  const AppKit& appKit = desktop.appKit;
   if (appKit.isTerminated) return x;
   for (const StatusItem* item : appKit.statusItems) {
     const double width = widthOf(*item);

@@ -1,10 +1,10 @@
+/// What the reader and the writer of binary property lists share. Such a file is `magic`, the objects, a table of the
+/// objects' offsets, and a trailer. Containers name their children by number in that table. Numbers are big-endian.
 #pragma once
 
 #include <cstddef>
 #include <string_view>
 
-/// What the reader and the writer of binary property lists share. Such a file is `magic`, the objects, a table of the
-/// objects' offsets, and a trailer. Containers name their children by number in that table. Numbers are big-endian.
 namespace desktop::binaryPropertyList {
 
 inline constexpr std::string_view magic = "bplist00";

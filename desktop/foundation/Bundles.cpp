@@ -1,6 +1,8 @@
+#include "desktop/foundation/Bundles.hpp"
+
 #include "desktop/foundation/Foundation.hpp"
-#include "desktop/quartz/Desktop.hpp"
-#include "desktop/quartz/Updater.hpp"
+#include "desktop/foundation/PropertyListFile.hpp"
+#include "desktop/runtime/Faults.hpp"
 
 #include <cstdio>
 
@@ -47,10 +49,13 @@ PropertyList readInformation(const std::filesystem::path& file) {
 }
 
 Bundle* mainBundle() {
-  return Desktop::current().mainBundle.get();
+  return MainBundle::current().get();
 }
-UserDefaults* standardUserDefaults() {
-  return Desktop::current().defaults.get();
+
+using RegisterClass = void (*)();
+std::map<std::string, RegisterClass>& loadableClasses() {
+  static auto* const only = new std::map<std::string, RegisterClass>;
+  return *only;
 }
 
 } // namespace
@@ -87,7 +92,7 @@ void Bundle::open(const std::filesystem::path& path) {
 }
 
 String* Bundle::bundleIdentifier() const {
-  if (isMain) ++Desktop::current().queries.ownIdentifier;
+  if (isMain) ++Queries::current().ownIdentifier;
   return identifier.get();
 }
 
@@ -112,21 +117,19 @@ Ref<URL> Bundle::privateFrameworksURL() const {
 
 BOOL Bundle::load() const {
   const auto executable = folder / folder.stem();
-  // A class is in the executable that names it.
-  if (contentsOfFile(executable).find("SPUStandardUpdaterController") != std::string::npos) registerUpdaterClass();
+  const std::string code = contentsOfFile(executable);
+  for (const auto& [name, registerClass] : loadableClasses()) {
+    if (code.find(name) != std::string::npos) registerClass();
+  }
   return isThere(executable);
 }
 
-Ref<Array> UserDefaults::arrayForKey(String* key) const {
-  const PropertyList* value = file->value(key->text);
-  if (value == nullptr || value->as<PropertyList::Array>() == nullptr) return nullptr;
-  return shared(as<Array>(objectOf(*value).get()));
+MainBundle::MainBundle() : Ref(create<Bundle>()) {
+  get()->isMain = true;
 }
 
-void UserDefaults::setObject(Object* value, String* key) {
-  auto list = propertyListOf(value);
-  if (!list) stop("user defaults hold property lists only; '" + textOf(key) + "' was given something else");
-  file->set(key->text, *std::move(list));
+void addLoadableClass(const std::string& name, void (*registerClass)()) {
+  loadableClasses()[name] = registerClass;
 }
 
 void registerBundleClasses() {
@@ -142,10 +145,6 @@ void registerBundleClasses() {
       .method<"URLForResource:withExtension:", &Bundle::URLForResource>()
       .method<"privateFrameworksURL", &Bundle::privateFrameworksURL>()
       .method<"load", &Bundle::load>();
-  NativeClass<UserDefaults>("NSUserDefaults", "NSObject")
-      .classMethod<"standardUserDefaults", &standardUserDefaults>()
-      .method<"arrayForKey:", &UserDefaults::arrayForKey>()
-      .method<"setObject:forKey:", &UserDefaults::setObject>();
 }
 
 } // namespace desktop

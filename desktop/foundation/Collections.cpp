@@ -1,4 +1,7 @@
+#include "desktop/foundation/Collections.hpp"
+
 #include "desktop/foundation/Foundation.hpp"
+#include "desktop/foundation/Strings.hpp"
 
 namespace desktop {
 namespace {

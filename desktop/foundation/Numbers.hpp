@@ -1,3 +1,4 @@
+/// Numbers in texts.
 #pragma once
 
 #include <charconv>

@@ -1,3 +1,4 @@
+/// Property lists, and the two forms in which files hold them: XML and binary.
 #pragma once
 
 #include <concepts>

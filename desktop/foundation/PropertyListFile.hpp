@@ -1,3 +1,4 @@
+/// Property lists in files, the one behind the user's defaults among them.
 #pragma once
 
 #include "desktop/foundation/PropertyList.hpp"

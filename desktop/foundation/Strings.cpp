@@ -1,3 +1,5 @@
+#include "desktop/foundation/Strings.hpp"
+
 #include "desktop/foundation/Foundation.hpp"
 
 #include <algorithm>
@@ -13,6 +15,10 @@ bool isWhitespaceOrNewline(char16_t unit) {
          std::find(std::begin(others), std::end(others), unit) != std::end(others);
 }
 
+Ref<CharacterSet> whitespaceAndNewlineCharacterSet() {
+  return create<CharacterSet>();
+}
+
 } // namespace
 
 Ref<String> string(std::u16string_view text) {
@@ -23,6 +29,11 @@ Ref<String> string(std::u16string_view text) {
 
 Ref<String> string(std::string_view text) {
   return string(utf16(text).value_or(u"\uFFFD"));
+}
+
+CFStringRef constantString(std::u16string_view text) {
+  registerFoundationClasses();
+  return referenceTo<CFStringRef>(string(text).detach());
 }
 
 std::string textOf(const String* string) {
@@ -90,12 +101,6 @@ Ref<String> String::stringByTrimmingCharactersInSet(Object* set) const {
 Ref<String> String::precomposedStringWithCanonicalMapping() const {
   return string(composed(text));
 }
-
-namespace {
-Ref<CharacterSet> whitespaceAndNewlineCharacterSet() {
-  return create<CharacterSet>();
-}
-} // namespace
 
 void registerStringClasses() {
   NativeClass<String>("NSString", "NSObject")

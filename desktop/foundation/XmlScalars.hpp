@@ -1,3 +1,5 @@
+/// How texts, numbers, dates and data are spelt within the elements of an XML document. Readers ignore whitespace
+/// around the text and answer nothing when it is something else.
 #pragma once
 
 #include "desktop/foundation/PropertyList.hpp"
@@ -7,8 +9,6 @@
 #include <string>
 #include <string_view>
 
-/// How texts, numbers, dates and data are spelt within the elements of an XML document. Readers ignore whitespace
-/// around the text and answer nothing when it is something else.
 namespace desktop::xmlScalars {
 
 inline constexpr std::string_view whitespace = " \t\r\n";

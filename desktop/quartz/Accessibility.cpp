@@ -1,7 +1,15 @@
 #include "desktop/quartz/Accessibility.hpp"
 
-#include "desktop/quartz/Desktop.hpp"
+#include "desktop/foundation/Collections.hpp"
+#include "desktop/foundation/Dispatch.hpp"
+#include "desktop/foundation/Strings.hpp"
+#include "desktop/quartz/Applications.hpp"
+#include "desktop/quartz/Quartz.hpp"
+#include "desktop/runtime/Faults.hpp"
+#include "desktop/runtime/Journal.hpp"
 #include "platform/Accessibility.hpp"
+
+#include <functional>
 
 using namespace desktop;
 
@@ -31,7 +39,7 @@ Ref<Object> focusedElement(const RunningApplication& application) {
 AXError answer(AccessibilityAnswer how, const std::function<Ref<Object>()>& proper, CFTypeRef* result) {
   switch (how) {
   case AccessibilityAnswer::NotAtAll:
-    Desktop::current().queue.now += timeoutNanoseconds;
+    MainQueue::current().now += timeoutNanoseconds;
     return kAXErrorCannotComplete;
   case AccessibilityAnswer::Error:
     return kAXErrorFailure;
@@ -47,17 +55,27 @@ AXError answer(AccessibilityAnswer how, const std::function<Ref<Object>()>& prop
 
 } // namespace
 
+namespace desktop {
+
+void registerAccessibilityClass() {
+  NativeClass<AccessibilityElement>("AXUIElement", "NSObject");
+}
+
+} // namespace desktop
+
 extern "C" {
 
+const CFStringRef kAXTrustedCheckOptionPrompt = constantString(u"AXTrustedCheckOptionPrompt");
+
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
-  Desktop& desktop = Desktop::current();
+  const bool trusted = Accessibility::current().trusted;
   const auto* entries = objectBehind<Dictionary>(options);
   const auto* key = objectBehind<String>(kAXTrustedCheckOptionPrompt);
   const auto found = entries->entries.find(key->text);
   const bool mayPrompt =
       found != entries->entries.end() && as<Number>(found->second.get())->value == PropertyList(true);
-  if (!desktop.trusted && mayPrompt) desktop.journal({"prompt"});
-  return desktop.trusted;
+  if (!trusted && mayPrompt) tell({"prompt"});
+  return trusted;
 }
 
 AXUIElementRef AXUIElementCreateSystemWide() {
@@ -71,20 +89,21 @@ CFTypeID AXUIElementGetTypeID() {
 }
 
 AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef attribute, CFTypeRef* value) {
-  Desktop& desktop = Desktop::current();
+  const Accessibility& accessibility = Accessibility::current();
   const auto* element = objectBehind<AccessibilityElement>(reference);
   const std::string name = textOf(objectBehind<String>(attribute));
   const bool asksFocus = element->isSystemWide && name == "AXFocusedUIElement";
   const bool asksRole = !element->isSystemWide && name == "AXRole";
   if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;
-  ++(asksFocus ? desktop.queries.focusedElement : desktop.queries.role);
-  if (!desktop.trusted) return kAXErrorAPIDisabled;
+  ++(asksFocus ? Queries::current().focusedElement : Queries::current().role);
+  if (!accessibility.trusted) return kAXErrorAPIDisabled;
   if (asksRole) {
     return answer(
-        desktop.roleAnswer, [&] { return string(*element->role); }, value);
+        accessibility.roleAnswer, [&] { return string(*element->role); }, value);
   }
-  if (!desktop.frontmost || !desktop.frontmost->role) return kAXErrorNoValue;
+  const auto& focused = Applications::current().frontmost;
+  if (!focused || !focused->role) return kAXErrorNoValue;
   return answer(
-      desktop.focusAnswer, [&] { return focusedElement(*desktop.frontmost); }, value);
+      accessibility.focusAnswer, [&] { return focusedElement(*focused); }, value);
 }
 }

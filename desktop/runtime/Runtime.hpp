@@ -169,8 +169,18 @@ struct Entry<member> {
   }
 };
 
-/// A static function: a method that looks neither at its class nor at its instance.
-template <class Result, class... Arguments, Result (*function)(Arguments...)> struct Entry<function> {
+/// A function that takes the instance first, as a reference.
+template <class Type, class Result, class... Arguments, Result (*function)(Type&, Arguments...)>
+struct Entry<function> {
+  using Signature = Typed<Result, Arguments...>;
+  static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
+    return Signature::run([&] { return function(static_cast<Type&>(*self), Form<Arguments>::in(arguments)...); });
+  }
+};
+
+/// Any other function: a method that looks neither at its class nor at its instance.
+template <class Result, class... Arguments, Result (*function)(Arguments...)>
+requires(!(std::is_reference_v<Arguments> || ...)) struct Entry<function> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id, SEL, Sent<Arguments>... arguments) {
     return Signature::run([&] { return function(Form<Arguments>::in(arguments)...); });

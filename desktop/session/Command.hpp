@@ -1,3 +1,4 @@
+/// What a session can ask for.
 #pragma once
 
 #include "desktop/session/KeyNames.hpp"
@@ -42,7 +43,7 @@ constexpr bool impliesLaunch(Verb verb) {
 }
 
 /// The words that some commands let the user choose from.
-enum class Word { None, Yes, No, Auto, Allow, Refuse, Down, Up, Timeout, Input, Menu, Window, Alert, Defaults };
+enum class Choice { None, Yes, No, Auto, Allow, Refuse, Down, Up, Timeout, Input, Menu, Window, Alert, Defaults };
 
 /// Width and height in points, finite and not negative.
 struct Extent {
@@ -55,7 +56,7 @@ struct Command {
   int line = 0;     ///< from 1
   std::string text; ///< the whole line as typed, without its line end
   Verb verb = Verb::Launch;
-  Word word = Word::None;                      ///< trust, taps, raw, tap, show
+  Choice choice = Choice::None;                ///< trust, taps, raw, tap, show
   std::optional<std::string> name;             ///< app, end, front; absent in `front none`
   std::optional<std::string> bundleIdentifier; ///< app, if given
   std::optional<std::string> role;             ///< focus; absent in `focus none`

@@ -1,6 +1,6 @@
 #include "desktop/session/KeyNames.hpp"
 
-#include "desktop/quartz/Fact.hpp"
+#include "desktop/runtime/Journal.hpp"
 #include "desktop/session/Words.hpp"
 #include "platform/KeyCodes.hpp"
 
@@ -102,7 +102,7 @@ std::string describeKey(std::uint16_t code, std::uint64_t flags) {
     told.append(modifier.name) += '+';
     untold &= ~modifier.flag;
   }
-  return known ? told.append(key->name) : told + "key " + factCode(code);
+  return known ? told.append(key->name) : told + "key " + codeText(code);
 }
 
 } // namespace desktop

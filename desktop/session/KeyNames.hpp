@@ -1,3 +1,4 @@
+/// Keys by the names that sessions and people call them.
 #pragma once
 
 #include <cstdint>

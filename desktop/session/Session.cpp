@@ -16,35 +16,35 @@ void type(Desktop& desktop, CGEventType type, KeyStroke key) {
 
 bool bringToFront(Desktop& desktop, const std::optional<std::string>& name) {
   if (!name) {
-    desktop.frontmost = nullptr;
+    desktop.applications.frontmost = nullptr;
     return true;
   }
-  RunningApplication* const application = desktop.named(*name);
+  RunningApplication* const application = desktop.applications.named(*name);
   if (application == nullptr) return false;
-  desktop.frontmost = shared(application);
+  desktop.applications.frontmost = shared(application);
   return true;
 }
 
 bool focus(Desktop& desktop, const std::optional<std::string>& role) {
-  if (!desktop.frontmost) return false;
-  desktop.frontmost->role = role;
+  if (!desktop.applications.frontmost) return false;
+  desktop.applications.frontmost->role = role;
   return true;
 }
 
 void setScreen(Desktop& desktop, const std::optional<Extent>& size) {
-  desktop.screen = size ? std::optional(CGSize{size->width, size->height}) : std::nullopt;
+  desktop.appKit.screen = size ? std::optional(CGSize{size->width, size->height}) : std::nullopt;
 }
 
-TapGrant grantOf(Word word) {
-  if (word == Word::Allow) return TapGrant::Allow;
-  return word == Word::Refuse ? TapGrant::Refuse : TapGrant::Auto;
+TapGrant grantOf(Choice choice) {
+  if (choice == Choice::Allow) return TapGrant::Allow;
+  return choice == Choice::Refuse ? TapGrant::Refuse : TapGrant::Auto;
 }
 
 } // namespace
 
 Session::Session(Desktop& target, Program start, Source commands)
     : desktop(target), program(start), source(std::move(commands)) {
-  desktop.nextCommand = [this] { return playNext(); };
+  desktop.runLoop.nextCommand = [this] { return playNext(); };
 }
 
 void Session::run() {
@@ -59,7 +59,7 @@ void Session::run() {
       play(*command);
     }
   }
-  desktop.inputEnded = !launches;
+  desktop.runLoop.inputEnded = !launches;
   program();
 }
 
@@ -75,23 +75,25 @@ void Session::play(const Command& command) {
   noteMenuBarOwner();
   const bool done = carryOut(command);
   noteMenuBarOwner();
-  if (!done) desktop.journal({"lost", command.text});
-  if (command.verb != Verb::Draw) menuBar.menuIsOpen = done && command.verb == Verb::Show && command.word == Word::Menu;
+  if (!done) tell({"lost", command.text});
+  if (command.verb != Verb::Draw)
+    menuBar.menuIsOpen = done && command.verb == Verb::Show && command.choice == Choice::Menu;
 }
 
 void Session::noteMenuBarOwner() {
   Ref<RunningApplication>& owner = menuBar.owner;
-  if (!desktop.tarnwick || desktop.frontmost.get() != desktop.tarnwick.get()) owner = desktop.frontmost;
-  if (owner && desktop.named(owner->name) != owner.get()) owner = nullptr;
+  if (!desktop.applications.tarnwick || desktop.applications.frontmost.get() != desktop.applications.tarnwick.get())
+    owner = desktop.applications.frontmost;
+  if (owner && desktop.applications.named(owner->name) != owner.get()) owner = nullptr;
 }
 
 bool Session::carryOut(const Command& command) {
   switch (command.verb) {
   case Verb::Trust:
-    desktop.trusted = command.word == Word::Yes;
+    desktop.accessibility.trusted = command.choice == Choice::Yes;
     return true;
   case Verb::Taps:
-    desktop.server.grant = grantOf(command.word);
+    desktop.server.grant = grantOf(command.choice);
     return true;
   case Verb::Screen:
     setScreen(desktop, command.size);
@@ -101,8 +103,8 @@ bool Session::carryOut(const Command& command) {
     return true;
   case Verb::End:
     // The program does not just vanish: it is made to quit.
-    if (command.name == "Tarnwick" && desktop.tarnwick) return quit();
-    return desktop.end(*command.name);
+    if (command.name == "Tarnwick" && desktop.applications.tarnwick) return quit();
+    return desktop.applications.end(*command.name);
   case Verb::Front:
     return bringToFront(desktop, command.name);
   case Verb::Focus:
@@ -110,7 +112,7 @@ bool Session::carryOut(const Command& command) {
   case Verb::Launch:
     return true;
   case Verb::Raw:
-    type(desktop, command.word == Word::Down ? kCGEventKeyDown : kCGEventKeyUp, command.key);
+    type(desktop, command.choice == Choice::Down ? kCGEventKeyDown : kCGEventKeyUp, command.key);
     return true;
   case Verb::Down:
     type(desktop, kCGEventKeyDown, command.key);
@@ -125,23 +127,23 @@ bool Session::carryOut(const Command& command) {
     }
     return true;
   case Verb::Wait:
-    desktop.wait(command.seconds);
+    desktop.runLoop.wait(command.seconds);
     return true;
   case Verb::Show:
-    return show(command.word);
+    return show(command.choice);
   case Verb::Draw:
     return draw(command.path);
   default:
-    return !desktop.appKit->isTerminated && carryOutOnProgram(command);
+    return !desktop.appKit.isTerminated && carryOutOnProgram(command);
   }
 }
 
 bool Session::carryOutOnProgram(const Command& command) {
-  AppKit& appKit = *desktop.appKit;
+  AppKit& appKit = desktop.appKit;
   switch (command.verb) {
   case Verb::Tap:
-    return desktop.server.disableTaps(command.word == Word::Timeout ? kCGEventTapDisabledByTimeout
-                                                                    : kCGEventTapDisabledByUserInput);
+    return desktop.server.disableTaps(command.choice == Choice::Timeout ? kCGEventTapDisabledByTimeout
+                                                                        : kCGEventTapDisabledByUserInput);
   case Verb::Click:
     if (Alert* const alert = appKit.frontAlert()) return alert->press(command.title, command.row);
     return appKit.frontModal() == nullptr && clickInWindow(desktop, command.title, command.row);
@@ -159,7 +161,7 @@ bool Session::carryOutOnProgram(const Command& command) {
 }
 
 bool Session::carryOutUnlessBlocked(const Command& command) {
-  AppKit& appKit = *desktop.appKit;
+  AppKit& appKit = desktop.appKit;
   switch (command.verb) {
   case Verb::Menu:
     return chooseFromMenu(command.title);
@@ -175,33 +177,33 @@ bool Session::carryOutUnlessBlocked(const Command& command) {
 }
 
 bool Session::quit() {
-  const AppKit& appKit = *desktop.appKit;
+  const AppKit& appKit = desktop.appKit;
   if (appKit.isTerminated || appKit.frontModal() != nullptr) return false;
   appKit.application->terminate(nullptr);
   return true;
 }
 
 bool Session::chooseFromMenu(const std::string& title) {
-  const Menu* menu = desktop.appKit->statusMenu();
+  const Menu* menu = desktop.appKit.statusMenu();
   const auto item = shared(menu != nullptr ? menu->itemWithTitle(title) : nullptr);
   if (!item || !item->enabled) return false;
   sendAction(item->action, item->target, item.get());
   return true;
 }
 
-bool Session::show(Word what) {
+bool Session::show(Choice what) {
   switch (what) {
-  case Word::Menu:
-    if (desktop.appKit->statusMenu() == nullptr) return false;
+  case Choice::Menu:
+    if (desktop.appKit.statusMenu() == nullptr) return false;
     showMenu();
     return true;
-  case Word::Alert:
-    if (desktop.appKit->frontAlert() == nullptr) return false;
-    desktop.journal(desktop.appKit->frontAlert()->fact());
+  case Choice::Alert:
+    if (desktop.appKit.frontAlert() == nullptr) return false;
+    tell(desktop.appKit.frontAlert()->entry());
     return true;
-  case Word::Window:
+  case Choice::Window:
     return showWindow(desktop);
-  case Word::Defaults:
+  case Choice::Defaults:
     showDefaults();
     return true;
   default:
@@ -210,29 +212,29 @@ bool Session::show(Word what) {
 }
 
 void Session::showMenu() const {
-  for (const auto& item : desktop.appKit->statusMenu()->items) {
+  for (const auto& item : desktop.appKit.statusMenu()->items) {
     if (item->isSeparator) {
-      desktop.journal({"item", ""});
+      tell({"item", ""});
       continue;
     }
-    desktop.journal(
+    tell(
         {"item", textOf(item->title.get()), item->enabled ? "enabled" : "disabled", textOf(item->keyEquivalent.get())});
   }
 }
 
 void Session::showDefaults() const {
   const std::u16string key = u"exemptBundleIDs";
-  Fact fact{"default", utf8(key)};
+  JournalEntry entry{"default", utf8(key)};
   const PropertyList* const value = desktop.defaults->file->value(key);
   const auto* const stored = value != nullptr ? value->as<PropertyList::Array>() : nullptr;
   if (stored != nullptr) {
     for (const PropertyList& element : *stored) {
       const auto* const text = element.as<std::u16string>();
-      fact.push_back(text != nullptr ? utf8(*text) : "(no text)");
+      entry.push_back(text != nullptr ? utf8(*text) : "(no text)");
     }
   }
-  if (fact.size() == 2) fact.emplace_back();
-  desktop.journal(fact);
+  if (entry.size() == 2) entry.emplace_back();
+  tell(entry);
 }
 
 bool Session::draw(const std::string& file) const {

@@ -1,8 +1,8 @@
 /// A session: the user of the desktop, played from a script or at a prompt.
 #pragma once
 
+#include "desktop/Desktop.hpp"
 #include "desktop/drawing/Drawing.hpp"
-#include "desktop/quartz/Desktop.hpp"
 #include "desktop/session/SessionGrammar.hpp"
 
 #include <functional>
@@ -39,7 +39,7 @@ private:
   bool carryOutUnlessBlocked(const Command& command);
   bool quit();
   bool chooseFromMenu(const std::string& title);
-  bool show(Word what);
+  bool show(Choice what);
   void showMenu() const;
   void showDefaults() const;
   /// False, with a sentence on standard error, when the file cannot be written.

@@ -1,7 +1,7 @@
 #include "desktop/session/SessionGrammar.hpp"
 
 #include "desktop/foundation/Numbers.hpp"
-#include "desktop/quartz/Fact.hpp"
+#include "desktop/runtime/Journal.hpp"
 #include "desktop/session/Words.hpp"
 
 #include <algorithm>
@@ -19,16 +19,16 @@ namespace desktop {
 
 namespace {
 
-/// How a command is written. Arguments in lower case are words to choose from, those in upper case kinds of values,
+/// How a command is written. Arguments in lower case are choices, those in upper case kinds of values,
 /// those in brackets may be left out.
-struct Form {
+struct Pattern {
   Verb verb;
   std::string_view name;
   std::string_view arguments;
 };
 
-// Of two forms of one command the first is meant when its word is given.
-constexpr Form forms[] = {
+// Of two patterns of one command the first is meant when its word is given.
+constexpr Pattern patterns[] = {
     {Verb::Trust, "trust", "yes|no"},
     {Verb::Taps, "taps", "auto|allow|refuse"},
     {Verb::Screen, "screen", "none"},
@@ -57,10 +57,10 @@ constexpr Form forms[] = {
     {Verb::Quit, "quit", ""},
 };
 
-// In the order of Word.
-constexpr std::string_view words[] = {"none", "yes",     "no",    "auto", "allow",  "refuse", "down",
-                                      "up",   "timeout", "input", "menu", "window", "alert",  "defaults"};
-static_assert(std::size(words) == static_cast<std::size_t>(Word::Defaults) + 1);
+// In the order of Choice.
+constexpr std::string_view choices[] = {"none", "yes",     "no",    "auto", "allow",  "refuse", "down",
+                                        "up",   "timeout", "input", "menu", "window", "alert",  "defaults"};
+static_assert(std::size(choices) == static_cast<std::size_t>(Choice::Defaults) + 1);
 
 /// The part of `rest` before the separator; `rest` goes on behind it.
 std::string_view takeUntil(std::string_view& rest, char separator) {
@@ -77,7 +77,7 @@ std::uint64_t codeOrFlags(std::string_view argument, std::uint64_t highest) {
   const bool isHex = argument.starts_with("0x");
   const auto number = numberIn<std::uint64_t>(argument.substr(isHex ? 2 : 0), isHex ? 16 : 10);
   if (number && *number <= highest) return *number;
-  expected("a number from 0 to " + factFlags(highest), argument);
+  expected("a number from 0 to " + flagsText(highest), argument);
 }
 
 std::uint64_t ordinal(std::string_view argument) {
@@ -121,53 +121,53 @@ constexpr Kind kinds[] = {
     {"H", [](Command& to, std::string_view from) { to.size->height = measure(from); }},
 };
 
-bool isChoice(std::string_view choices, std::string_view word) {
-  while (!choices.empty())
-    if (takeUntil(choices, '|') == word) return true;
+bool isOneOf(std::string_view offered, std::string_view argument) {
+  while (!offered.empty())
+    if (takeUntil(offered, '|') == argument) return true;
   return false;
 }
 
-Word wordNamed(std::string_view name) {
-  return static_cast<Word>(std::ranges::find(words, name) - std::begin(words));
+Choice choiceNamed(std::string_view name) {
+  return static_cast<Choice>(std::ranges::find(choices, name) - std::begin(choices));
 }
 
 void readArgument(Command& command, std::string_view kind, std::string_view argument) {
   const auto* known = std::ranges::find(kinds, kind, &Kind::name);
   if (known != std::end(kinds)) return known->read(command, argument);
-  if (!isChoice(kind, argument)) expected(std::string(kind), argument);
-  command.word = wordNamed(argument);
+  if (!isOneOf(kind, argument)) expected(std::string(kind), argument);
+  command.choice = choiceNamed(argument);
 }
 
-const Form& formOf(const std::vector<std::string>& line) {
-  const Form* fitting = nullptr;
-  for (const Form& form : forms) {
-    if (form.name != line.front()) continue;
-    fitting = &form;
-    if (line.size() > 1 && line[1] == form.arguments) break;
+const Pattern& patternFor(const std::vector<std::string>& line) {
+  const Pattern* fitting = nullptr;
+  for (const Pattern& pattern : patterns) {
+    if (pattern.name != line.front()) continue;
+    fitting = &pattern;
+    if (line.size() > 1 && line[1] == pattern.arguments) break;
   }
   if (fitting == nullptr) throw std::invalid_argument("unknown command " + inQuotes(line.front()));
   return *fitting;
 }
 
-std::string usage(const Form& form) {
-  return ": " + std::string(form.name) + (form.arguments.empty() ? "" : " ") + std::string(form.arguments);
+std::string usage(const Pattern& pattern) {
+  return ": " + std::string(pattern.name) + (pattern.arguments.empty() ? "" : " ") + std::string(pattern.arguments);
 }
 
 Command parse(const std::vector<std::string>& line) {
-  const Form& form = formOf(line);
+  const Pattern& pattern = patternFor(line);
   Command command;
-  command.verb = form.verb;
+  command.verb = pattern.verb;
   auto argument = line.begin() + 1;
-  for (std::string_view rest = form.arguments; !rest.empty();) {
+  for (std::string_view rest = pattern.arguments; !rest.empty();) {
     std::string_view kind = takeUntil(rest, ' ');
     const bool optional = kind.starts_with('[');
     if (optional) kind = kind.substr(1, kind.size() - 2);
     if (argument != line.end())
       readArgument(command, kind, *argument++);
     else if (!optional)
-      throw std::invalid_argument("missing " + std::string(kind) + usage(form));
+      throw std::invalid_argument("missing " + std::string(kind) + usage(pattern));
   }
-  if (argument != line.end()) throw std::invalid_argument("extra argument " + inQuotes(*argument) + usage(form));
+  if (argument != line.end()) throw std::invalid_argument("extra argument " + inQuotes(*argument) + usage(pattern));
   return command;
 }
 

@@ -1,3 +1,4 @@
+/// From the lines of a session to its commands, or to what is wrong with them.
 #pragma once
 
 #include "desktop/session/Command.hpp"

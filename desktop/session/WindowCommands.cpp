@@ -13,24 +13,25 @@ Button* findButton(View& inside, const std::string& title, std::uint64_t row) {
 }
 
 /// Empty for a view that only holds others.
-Fact factOf(View& view) {
+JournalEntry entryOf(View& view) {
   if (const auto* label = ifIs<TextField>(&view))
     return {label->face().bold ? "heading" : "label", textOf(label->text.get())};
   if (const auto* button = ifIs<Button>(&view)) {
     const std::string title = textOf(button->title.get());
-    return button->isCheckbox() ? Fact{"checkbox", title, button->isOn() ? "on" : "off"} : Fact{"button", title};
+    return button->isCheckbox() ? JournalEntry{"checkbox", title, button->isOn() ? "on" : "off"}
+                                : JournalEntry{"button", title};
   }
   const auto* box = ifIs<Box>(&view);
-  return box != nullptr && box->type == Box::separator ? Fact{"separator"} : Fact{};
+  return box != nullptr && box->type == Box::separator ? JournalEntry{"separator"} : JournalEntry{};
 }
 
 } // namespace
 
 bool clickInWindow(Desktop& desktop, const std::string& title, std::uint64_t row) {
-  const Window* window = desktop.appKit->frontWindow();
+  const Window* window = desktop.appKit.frontWindow();
   Button* const button = window != nullptr ? findButton(*window->contentView(), title, row) : nullptr;
   if (button == nullptr) return false;
-  desktop.frontmost = desktop.tarnwick;
+  desktop.applications.frontmost = desktop.applications.tarnwick;
   button->press();
   return true;
 }
@@ -48,11 +49,11 @@ bool resizeWindow(const AppKit& appKit, CGSize size) {
 }
 
 bool showWindow(const Desktop& desktop) {
-  const Window* window = desktop.appKit->frontWindow();
+  const Window* window = desktop.appKit.frontWindow();
   if (window == nullptr) return false;
   forEachView(*window->contentView(), [&](View& view) {
-    const Fact fact = factOf(view);
-    if (!fact.empty()) desktop.journal(fact);
+    const JournalEntry entry = entryOf(view);
+    if (!entry.empty()) tell(entry);
   });
   return true;
 }

@@ -1,7 +1,7 @@
 /// What the user does with the program's front window, and sees in it.
 #pragma once
 
-#include "desktop/appkit/AppKit.hpp"
+#include "desktop/Desktop.hpp"
 
 namespace desktop {
 

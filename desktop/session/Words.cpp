@@ -1,7 +1,7 @@
 #include "desktop/session/Words.hpp"
 
 #include "desktop/foundation/Numbers.hpp"
-#include "desktop/session/Trace.hpp"
+#include "desktop/session/Output.hpp"
 
 #include <algorithm>
 #include <stdexcept>

@@ -1,3 +1,4 @@
+/// How a line of a session falls into words.
 #pragma once
 
 #include <string>

@@ -1,8 +1,7 @@
 /// The command `tarnwick`: the program in the stand-in desktop, driven by a session.
 
-#include "desktop/session/Journal.hpp"
+#include "desktop/session/Output.hpp"
 #include "desktop/session/Session.hpp"
-#include "desktop/session/Trace.hpp"
 
 #include <cstdio>
 #include <cstring>
@@ -90,8 +89,10 @@ void play(const Options& options, Session::Source source, bool echo) {
   desktop.mainBundle->open(options.bundle.value_or(bundleBesideCommand()));
   if (options.defaults) desktop.defaults->file = std::make_unique<PropertyListFile>(*options.defaults);
   Session session(desktop, tarnwickMain, std::move(source));
-  desktop.journal = [&](const Fact& fact) { say(options.trace ? traceLine(fact) : sentenceFor(fact)); };
-  if (!options.trace) desktop.remark = [](const std::string& sentence) { say("    " + sentence); };
+  desktop.journal.reader = [&](const JournalEntry& entry) {
+    say(options.trace ? traceLine(entry) : sentenceFor(entry));
+  };
+  if (!options.trace) desktop.journal.remark = [](const std::string& sentence) { say("    " + sentence); };
   if (echo) session.announce = [](const Command& command) { say(command.text); };
   session.run();
 }

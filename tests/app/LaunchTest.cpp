@@ -56,7 +56,7 @@ TEST(Launch, IsTheOnlyTimeThatTrustIsAskedFor) {
 TEST(Launch, ShowsAPlainAlertOverACompleteMenu) {
   TestDesktop desktop;
   desktop.play({"trust no\n launch", [&] {
-                  const auto& appKit = *desktop.machine.appKit;
+                  const auto& appKit = desktop.machine.appKit;
                   EXPECT_EQ(appKit.frontAlert()->style, Alert().style) << "the platform's own";
                   EXPECT_TRUE(appKit.statusMenu()->itemWithTitle("Disable Tarnwick")->enabled);
                 }});
@@ -102,7 +102,7 @@ TEST(Launch, NeedsNoInformationDictionary) {
 TEST(Launch, MakesTheStatusItemAsThePlatformWantsIt) {
   TestDesktop desktop;
   desktop.play({"launch", [&] {
-                  const auto& items = desktop.machine.appKit->statusItems;
+                  const auto& items = desktop.machine.appKit.statusItems;
                   ASSERT_EQ(items.size(), 1U);
                   EXPECT_EQ(items.front()->length, -2) << "square";
                   const StatusBarButton& button = *items.front()->button();
@@ -119,9 +119,9 @@ TEST(Program, IsOutOfTheDockBeforeItsMenuComesAndHasNoTapWhenItQuits) {
     TestDesktop desktop;
     NSInteger policy = -1;
     long tapsAtTheEnd = -1;
-    desktop.machine.journal = [&](const Fact& fact) {
-      if (fact.front() == "status") policy = desktop.machine.appKit->application->activationPolicy;
-      if (fact.front() == "terminate") tapsAtTheEnd = liveObjects("CFMachPort") + liveObjects("CFRunLoopSource");
+    desktop.machine.journal.reader = [&](const JournalEntry& entry) {
+      if (entry.front() == "status") policy = desktop.machine.appKit.application->activationPolicy;
+      if (entry.front() == "terminate") tapsAtTheEnd = liveObjects("CFMachPort") + liveObjects("CFRunLoopSource");
     };
     desktop.play({"launch", way});
     EXPECT_EQ(policy, platform::NSApplicationActivationPolicyAccessory);

@@ -22,9 +22,9 @@ std::string launchWith(const std::optional<PropertyList>& feed, const std::optio
   return desktop.play(
       {"trust no\n taps allow\n launch\n click OK\n menu \"Check for Updates...\"", [&] {
          // The delegate's own way to it, with no menu between.
-         perform<void>(desktop.machine.appKit->application->delegate, sel_registerName("checkForUpdates"));
-         const MenuItem* const item = desktop.machine.appKit->statusMenu()->itemWithTitle("Check for Updates...");
-         desktop.facts.push_back({item->target->isa->name, selectorText(item->action)});
+         perform<void>(desktop.machine.appKit.application->delegate, sel_registerName("checkForUpdates"));
+         const MenuItem* const item = desktop.machine.appKit.statusMenu()->itemWithTitle("Check for Updates...");
+         desktop.entries.push_back({item->target->isa->name, selectorText(item->action)});
        }});
 }
 

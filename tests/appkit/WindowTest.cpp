@@ -36,7 +36,7 @@ TEST_F(WindowTest, LeavesTheScreenWithItsLastReference) {
   window.makeKeyAndOrderFront();
   EXPECT_TRUE(window.screen());
   window = {};
-  EXPECT_EQ(desktop.machine.appKit->frontWindow(), nullptr);
+  EXPECT_EQ(desktop.machine.appKit.frontWindow(), nullptr);
 }
 
 TEST_F(WindowTest, LeftToItselfIsReleasedWhenClosed) {

@@ -34,8 +34,8 @@ TEST(Confirmation, WarnsAndBringsTheFirstOfTwoFindersForward) {
   TestDesktop desktop;
   EXPECT_EQ(play(desktop, {"app Second com.apple.finder\n front Second\n press forwarddelete",
                            [&] {
-                             ASSERT_NE(desktop.machine.appKit->frontAlert(), nullptr);
-                             EXPECT_EQ(desktop.machine.appKit->frontAlert()->style, platform::NSAlertStyleWarning);
+                             ASSERT_NE(desktop.machine.appKit.frontAlert(), nullptr);
+                             EXPECT_EQ(desktop.machine.appKit.frontAlert()->style, platform::NSAlertStyleWarning);
                            },
                            "click \"Move to Bin\"\n wait 1"}),
             swallowed + alert + consent + forward + deleted);
@@ -44,14 +44,14 @@ TEST(Confirmation, WarnsAndBringsTheFirstOfTwoFindersForward) {
 TEST(Confirmation, CountsTheMomentFromTheFindersComingForwardAndIsPendingUntilThen) {
   TestDesktop desktop;
   // The Finder takes its time to come forward, and the user types on.
-  desktop.machine.journal = [&](const Fact& fact) {
-    desktop.facts.push_back(fact);
-    if (fact.front() != "front") return;
+  desktop.machine.journal.reader = [&](const JournalEntry& entry) {
+    desktop.entries.push_back(entry);
+    if (entry.front() != "front") return;
     desktop.machine.queue.now += 1'000'000'000;
     desktop.press("forwarddelete");
   };
   EXPECT_EQ(play(desktop, {"press forwarddelete\n click \"Move to Bin\"\n wait 0.0499999",
-                           [&] { desktop.facts.push_back({"--"}); }, "wait 0.0000001"}),
+                           [&] { desktop.entries.push_back({"--"}); }, "wait 0.0000001"}),
             swallowed + alert + consent + forward + "--\n" + deleted);
 }
 

@@ -58,15 +58,15 @@ TEST_F(EventTapTest, MayBeRefused) {
   server.grant = desktop::TapGrant::Refuse;
   EXPECT_FALSE(remapper->start());
   server.grant = desktop::TapGrant::Auto;
-  desktop.machine.trusted = false;
+  desktop.machine.accessibility.trusted = false;
   EXPECT_FALSE(remapper->start());
   EXPECT_EQ(liveObjects("CFMachPort"), 0);
   remapper->stop();
   EXPECT_FALSE(rewrites());
 
-  desktop.machine.trusted = true;
+  desktop.machine.accessibility.trusted = true;
   EXPECT_TRUE(remapper->start());
-  desktop.machine.trusted = false;
+  desktop.machine.accessibility.trusted = false;
   EXPECT_TRUE(rewrites()) << "a live tap outlasts the trust";
 }
 
@@ -111,11 +111,11 @@ TEST_F(EventTapTest, DoesNotOwnTheRemapper) {
 }
 
 TEST_F(EventTapTest, AsksNothingForARemapperThatIsGone) {
-  desktop.machine.frontmost = desktop::shared(desktop.machine.named("Finder"));
+  desktop.machine.applications.frontmost = desktop::shared(desktop.machine.applications.named("Finder"));
   EXPECT_EQ(desktop.press("forwarddelete"), "swallowed");
   remapper->stop();
   remapper.reset();
-  desktop.machine.settle();
+  desktop.machine.runLoop.settle();
   EXPECT_EQ(desktop.trace(), "");
 }
 
@@ -142,7 +142,7 @@ TEST_F(EventTapTest, HoldsTheRemapperAndWhatItIsGivenWhileItRuns) {
   const auto application = LastOwner::make();
   application->remapper = &remapper;
   application->watched = remapper;
-  desktop.machine.frontmost = application;
+  desktop.machine.applications.frontmost = application;
   const auto event = desktop::create<desktop::Event>();
   event->code = kVK_ANSI_C;
   event->flags = kCGEventFlagMaskControl;

@@ -8,7 +8,7 @@ class FinderTest : public testing::Test {
 protected:
   TestDesktop desktop;
   Desktop& machine = desktop.machine;
-  RunningApplication& finder = *machine.named("Finder");
+  RunningApplication& finder = *machine.applications.named("Finder");
 
   void inFinder(const std::function<void()>& look) {
     desktop.play({"menu Settings…\n click \"Confirm before moving to Bin\"\n front Finder", look});
@@ -35,20 +35,20 @@ TEST_F(FinderTest, TakesEveryFailureToFindTheFocusForNotEditing) {
     finder.role = "AXTextField";
     for (const AccessibilityAnswer failure : {AccessibilityAnswer::NotAtAll, AccessibilityAnswer::Error,
                                               AccessibilityAnswer::Nothing, AccessibilityAnswer::WrongType}) {
-      machine.focusAnswer = failure;
-      machine.queries = {};
+      machine.accessibility.focusAnswer = failure;
+      machine.queries.reset();
       EXPECT_EQ(press("forwarddelete"), "Cmd+Delete");
       EXPECT_EQ(machine.queries.role, 0) << "no element, no role";
-      machine.focusAnswer = AccessibilityAnswer::Proper;
-      machine.roleAnswer = failure;
+      machine.accessibility.focusAnswer = AccessibilityAnswer::Proper;
+      machine.accessibility.roleAnswer = failure;
       EXPECT_EQ(press("forwarddelete"), "Cmd+Delete");
-      machine.roleAnswer = AccessibilityAnswer::Proper;
+      machine.accessibility.roleAnswer = AccessibilityAnswer::Proper;
     }
     EXPECT_EQ(press("forwarddelete"), "ForwardDelete") << "an answer counts again";
     finder.role = std::nullopt;
     EXPECT_EQ(press("forwarddelete"), "Cmd+Delete") << "nothing focused";
     finder.role = "AXTextField";
-    machine.trusted = false;
+    machine.accessibility.trusted = false;
     EXPECT_EQ(press("forwarddelete"), "Cmd+Delete") << "trust taken away while the tap lives";
   });
 }
@@ -61,7 +61,7 @@ TEST_F(FinderTest, IsKnownByItsIdentifierAlone) {
     EXPECT_EQ(press("f2"), "F2");
     finder.identifier = nullptr;
     EXPECT_EQ(press("f2"), "F2");
-    machine.frontmost = nullptr;
+    machine.applications.frontmost = nullptr;
     EXPECT_EQ(press("f2"), "F2");
   });
 }

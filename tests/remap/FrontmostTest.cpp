@@ -14,7 +14,7 @@ protected:
   void running(const PropertyList& exempt, const std::function<void()>& look) {
     desktop.store(u"exemptBundleIDs", exempt);
     desktop.play({"launch", look, "menu \"Disable Tarnwick\"", [&] {
-                    machine.queries = {};
+                    machine.queries.reset();
                     EXPECT_EQ(desktop.press("ctrl+c"), "Ctrl+C");
                     EXPECT_EQ(machine.queries.frontmost + machine.queries.ownIdentifier, 0) << "not even asked";
                   }});
@@ -24,7 +24,7 @@ protected:
   bool rewrites(const Identifier& identifier) {
     auto& application = machine.start("Application", "");
     if (identifier) application.identifier = string(*identifier);
-    machine.frontmost = shared(&application);
+    machine.applications.frontmost = shared(&application);
     return rewrites();
   }
   bool rewrites() { return desktop.press("ctrl+c") == "Cmd+C"; }
@@ -33,7 +33,7 @@ protected:
 TEST_F(FrontmostTest, DecidesWhetherKeysAreRewritten) {
   running(PropertyList::Array{u"com.example.exempt", u"com.apple.finder"}, [&] {
     for (const char16_t* exempt : {u"com.example.exempt", u"com.apple.finder", u"app.tarnwick.Tarnwick"}) {
-      machine.queries = {};
+      machine.queries.reset();
       EXPECT_FALSE(rewrites(exempt));
       const Queries& asked = machine.queries;
       EXPECT_EQ(asked.frontmost, 2) << "once for the key and once for its release";
@@ -44,7 +44,7 @@ TEST_F(FrontmostTest, DecidesWhetherKeysAreRewritten) {
          {Identifier(u"com.example.other"), Identifier(u"com.example.Exempt"), Identifier(u"com.example.exempt "),
           Identifier(u"com.example.exempt.more"), Identifier(u"app.tarnwick.tarnwick"), Identifier(u""), Identifier()})
       EXPECT_TRUE(rewrites(other)) << testing::PrintToString(other);
-    machine.frontmost = nullptr;
+    machine.applications.frontmost = nullptr;
     EXPECT_TRUE(rewrites());
   });
 }
@@ -52,9 +52,9 @@ TEST_F(FrontmostTest, DecidesWhetherKeysAreRewritten) {
 TEST_F(FrontmostTest, IsNotRememberedFromKeyToKey) {
   running(PropertyList::Array{u"com.example.exempt"}, [&] {
     EXPECT_TRUE(rewrites(u"com.example.other"));
-    machine.frontmost->identifier = string(u"com.example.exempt");
+    machine.applications.frontmost->identifier = string(u"com.example.exempt");
     EXPECT_FALSE(rewrites());
-    machine.frontmost->identifier = string(u"com.example.other");
+    machine.applications.frontmost->identifier = string(u"com.example.other");
     machine.mainBundle->identifier = string(u"com.example.other");
     EXPECT_FALSE(rewrites());
     machine.mainBundle->identifier = nullptr;

@@ -156,7 +156,7 @@ Fate actual(Desktop& machine, Event& event, CGEventType type, const Typed& key) 
   event.code = key.code;
   event.flags = key.flags;
   event.calls = &fate.calls;
-  machine.queries = {};
+  machine.queries.reset();
   fate.swallowed = machine.server.throughTaps(&event) == nullptr;
   fate.code = event.code;
   fate.flags = event.flags;

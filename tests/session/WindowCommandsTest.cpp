@@ -3,7 +3,7 @@
 namespace desktop {
 namespace {
 
-/// The facts from the first one of that name on.
+/// The entries from the first one of that name on.
 std::string from(const std::string& name, const std::string& trace) {
   return trace.substr(std::min(trace.find(name), trace.size()));
 }
@@ -18,7 +18,7 @@ TEST(WindowCommands, WithoutAWindowThereIsNothingToActOn) {
 
 TEST(WindowCommands, AClickBringsTheProgramToTheFrontAndACloseDoesNot) {
   TestDesktop desktop;
-  const auto frontmost = [&] { return desktop.machine.frontmost->name; };
+  const auto frontmost = [&] { return desktop.machine.applications.frontmost->name; };
   desktop.play({
       "menu Settings…\nfront Editor\nclick Nonsense\nclick \"Open Login Items\" 2",
       [&] { EXPECT_EQ(frontmost(), "Editor"); },

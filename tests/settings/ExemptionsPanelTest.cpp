@@ -46,7 +46,7 @@ TEST(ExemptionsPanel, TakesNothingUnlessItIsConfirmed) {
   for (const char* end : {"cancel", "# the end of the input"}) {
     desktop::TestDesktop desktop;
     desktop.play({"menu Settings…\nclick \"Choose App…\"",
-                  [&] { desktop.machine.appKit->frontPanel()->chosen = desktop::fileURL(app.string()); }, end});
+                  [&] { desktop.machine.appKit.frontPanel()->chosen = desktop::fileURL(app.string()); }, end});
     EXPECT_EQ(desktop.machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << end;
   }
 }
@@ -54,7 +54,7 @@ TEST(ExemptionsPanel, TakesNothingUnlessItIsConfirmed) {
 TEST(ExemptionsPanel, AsksForOneApplication) {
   desktop::TestDesktop desktop;
   desktop.play({"menu Settings…\nclick \"Choose App…\"", [&] {
-                  const desktop::OpenPanel* const panel = desktop.machine.appKit->frontPanel();
+                  const desktop::OpenPanel* const panel = desktop.machine.appKit.frontPanel();
                   ASSERT_NE(panel, nullptr);
                   EXPECT_EQ(textOf(panel->title.get()), "Choose Application to Exempt");
                   EXPECT_EQ(textOf(panel->message.get()), "Select an application bundle (.app)");

@@ -13,7 +13,7 @@ protected:
 
   std::vector<std::string> checkboxes() const {
     std::vector<std::string> titles;
-    forEachView(*machine.appKit->frontWindow()->contentView(), [&](View& view) {
+    forEachView(*machine.appKit.frontWindow()->contentView(), [&](View& view) {
       const auto* button = ifIs<Button>(&view);
       if (button != nullptr && button->isCheckbox()) titles.push_back(textOf(button->title.get()));
     });
@@ -21,21 +21,21 @@ protected:
   }
 
   /// What the Editor and the Finder receive of every key with every choice of modifiers.
-  std::vector<Fact> received() {
-    desktop.facts.clear();
+  std::vector<JournalEntry> received() {
+    desktop.entries.clear();
     for (const char* application : {"Editor", "Finder"}) {
-      machine.frontmost = shared(machine.named(application));
+      machine.applications.frontmost = shared(machine.applications.named(application));
       for (CGEventFlags modifiers = 0; modifiers < 16; ++modifiers) {
         for (std::uint16_t code = 0; code < 128; ++code)
           machine.server.type(kCGEventKeyUp, code, modifiers * kCGEventFlagMaskShift);
       }
     }
-    return std::exchange(desktop.facts, {});
+    return std::exchange(desktop.entries, {});
   }
 };
 
 TEST_F(FamiliesTest, HaveACheckboxEach) {
-  std::vector<Fact> allOff;
+  std::vector<JournalEntry> allOff;
   const auto clickEach = [&] {
     const auto rewritten = received();
     for (const std::string& title : checkboxes()) {

@@ -1,6 +1,6 @@
 #include "settings/MappingsWindowController.hpp"
 
-#include "desktop/appkit/Windows.hpp"
+#include "desktop/appkit/Window.hpp"
 #include "tests/support/RemapperTest.hpp"
 
 namespace tarnwick {
@@ -10,8 +10,8 @@ namespace {
 class MappingsWindowControllerTest : public RemapperTest {};
 
 TEST_F(MappingsWindowControllerTest, GivesItsWindowTheDefaultSizeAtFirstAndNoLessThanThatLater) {
-  desktop.machine.screen.reset();
-  desktop.machine.tarnwick = desktop::shared(&desktop.machine.start("Tarnwick", ""));
+  desktop.machine.appKit.screen.reset();
+  desktop.machine.applications.tarnwick = desktop::shared(&desktop.machine.start("Tarnwick", ""));
   const platform::AutoreleasePool pool;
   const auto controller = MappingsWindowController::make(remapper);
   const auto& window = *desktop::as<desktop::Window>(controller.window().object());

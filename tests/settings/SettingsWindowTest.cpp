@@ -14,7 +14,7 @@ protected:
   Desktop& machine = desktop.machine;
 
   void open(const std::function<void()>& look) { desktop.play({"menu Settings…", look}); }
-  Window& window() { return *machine.appKit->frontWindow(); }
+  Window& window() { return *machine.appKit.frontWindow(); }
   /// The window's views of that class, each before those inside it.
   template <class Kind> std::vector<Kind*> all() {
     std::vector<Kind*> found;
@@ -26,7 +26,7 @@ protected:
   double documentHeight() { return all<ScrollView>().front()->document->frame.size.height; }
   /// What the window shows, from top to bottom.
   std::string shown() {
-    desktop.facts.clear();
+    desktop.entries.clear();
     EXPECT_TRUE(showWindow(machine));
     return desktop.trace();
   }
@@ -121,7 +121,7 @@ TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
     platform::send<"toggleMapping:">(controller, stranger);
     platform::send<"toggleMapping:">(controller, nullptr);
     platform::send<"removeExemption:">(controller, stranger);
-    machine.frontmost = shared(machine.named("Editor"));
+    machine.applications.frontmost = shared(machine.applications.named("Editor"));
     EXPECT_EQ(desktop.press("ctrl+s"), "Cmd+S");
     EXPECT_EQ(machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << "nothing was saved";
     EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(stranger))) << "not from an archive";
@@ -130,7 +130,7 @@ TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
 
 TEST_F(SettingsWindowTest, OpensAddressesFromItsLinks) {
   open([&] {
-    desktop.facts.clear();
+    desktop.entries.clear();
     EXPECT_TRUE(click("About Tarnwick") && click("Open Login Items"));
     EXPECT_EQ(desktop.trace(), "open\thttps://tarnwick.example/about\n"
                                "open\tx-apple.systempreferences:com.apple.LoginItems-Settings.extension\n");

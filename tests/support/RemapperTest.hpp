@@ -28,7 +28,7 @@ protected:
   void front(const std::u16string& identifier) {
     auto& application = desktop.machine.start("Application", "");
     application.identifier = desktop::string(identifier);
-    desktop.machine.frontmost = desktop::shared(&application);
+    desktop.machine.applications.frontmost = desktop::shared(&application);
   }
 };
 

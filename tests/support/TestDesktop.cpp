@@ -1,8 +1,8 @@
 #include "tests/support/TestDesktop.hpp"
 
 #include "desktop/session/KeyNames.hpp"
+#include "desktop/session/Output.hpp"
 #include "desktop/session/Session.hpp"
-#include "desktop/session/Trace.hpp"
 
 #include <cstdlib>
 #include <deque>
@@ -52,7 +52,7 @@ void playOn(Desktop& machine, const std::vector<Step>& steps) {
   Session(machine, tarnwickMain, [&] { return script.next(); }).run();
   const platform::AutoreleasePool pool;
   // The reference that the program's own variable keeps.
-  objc_release(std::exchange(machine.appKit->application->delegate, nullptr));
+  objc_release(std::exchange(machine.appKit.application->delegate, nullptr));
 }
 
 /// What is made on first use and kept from then on is no leak: a session that uses it all.
@@ -82,7 +82,7 @@ std::string contentsOf(const std::filesystem::path& file) {
 
 std::string keyLine(const std::string& beginning, std::string_view keys) {
   const KeyStroke key = keyNamed(keys);
-  return beginning + '\t' + factCode(key.code) + '\t' + factFlags(key.flags) + '\n';
+  return beginning + '\t' + codeText(key.code) + '\t' + flagsText(key.flags) + '\n';
 }
 
 LeakCheck::LeakCheck() {
@@ -102,13 +102,13 @@ TestDesktop::TestDesktop() {
     std::filesystem::copy(std::filesystem::path(TARNWICK_SOURCE_DIR) / "bundle" / resource, contents / "Resources");
   }
   machine.mainBundle->open(bundle);
-  machine.journal = [this](const Fact& fact) { facts.push_back(fact); };
+  machine.journal.reader = [this](const JournalEntry& entry) { entries.push_back(entry); };
 }
 
 std::string TestDesktop::trace() const {
   std::string lines;
-  for (const Fact& fact : facts)
-    lines += traceLine(fact) + '\n';
+  for (const JournalEntry& entry : entries)
+    lines += traceLine(entry) + '\n';
   return lines;
 }
 

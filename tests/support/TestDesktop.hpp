@@ -1,7 +1,7 @@
 /// A fresh desktop for one test, and the real program played on it.
 #pragma once
 
-#include "desktop/appkit/AppKit.hpp"
+#include "desktop/Desktop.hpp"
 
 #include <gtest/gtest.h>
 
@@ -48,7 +48,7 @@ using Step = std::variant<std::string, std::function<void()>>;
 /// "cmd+c")`.
 std::string keyLine(const std::string& beginning, std::string_view keys);
 
-/// Every test's desktop: bundle and defaults are its own, every fact is kept, and nothing may leak.
+/// Every test's desktop: bundle and defaults are its own, every entry is kept, and nothing may leak.
 class TestDesktop {
   LeakCheck nothingLeaks;
   TemporaryFolder folder;
@@ -59,9 +59,9 @@ public:
   /// The program's bundle: complete, for a test to break. `machine.mainBundle->open(bundle)` reads its dictionary anew.
   std::filesystem::path bundle = folder.path / "Tarnwick.app";
   Desktop machine;
-  std::vector<Fact> facts;
+  std::vector<JournalEntry> entries;
 
-  /// The facts so far, as a trace tells them.
+  /// The entries so far, as a trace tells them.
   std::string trace() const;
   void store(const std::u16string& key, PropertyList value) { machine.defaults->file->set(key, std::move(value)); }
 

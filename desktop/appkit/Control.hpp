@@ -1,0 +1,84 @@
+/// Controls: labels, buttons, checkboxes, images.
+#pragma once
+
+#include "desktop/appkit/Image.hpp"
+#include "desktop/appkit/View.hpp"
+
+namespace desktop {
+
+/// A view that the user acts on, or that shows one value.
+struct Control : View {
+  Ref<Font> font;
+  NSUInteger lineBreakMode = 2;
+
+  void setFont(Font* value) { font = shared(value); }
+  void setLineBreakMode(NSUInteger value) { lineBreakMode = value; }
+  /// The system font at its size of 13 unless another one was set.
+  Typeface face() const { return font ? font->face : Typeface(); }
+};
+
+/// A label.
+struct TextField : Control {
+  static constexpr NSUInteger wordWrapping = 0;
+  static constexpr NSUInteger truncatingMiddle = 5;
+
+  Ref<String> text;
+  /// None for the label colour.
+  const Color* textColor = nullptr;
+  NSInteger maximumNumberOfLines = 1;
+
+  static Ref<TextField> labelWithString(String* value);
+  void setTextColor(Color* value) { textColor = value; }
+  void setMaximumNumberOfLines(NSInteger value) { maximumNumberOfLines = value; }
+  CGSize intrinsicContentSize() const;
+  /// The text as it is seen: wrapped into lines or shortened in its middle for the width of the frame.
+  std::vector<std::u16string> shownLines() const;
+};
+
+struct Button : Control {
+  static constexpr NSUInteger switchType = 3;
+  static constexpr NSUInteger inlineBezel = 15;
+  /// From a checkbox's left edge to its title: the square and a gap.
+  static constexpr CGFloat checkboxTitleInset = 20;
+
+  Ref<String> title;
+  Ref<Image> image;
+  NSUInteger imagePosition = 0;
+  NSUInteger type = 7;
+  NSUInteger bezelStyle = 1;
+  const Color* tint = nullptr;
+  NSInteger itsState = 0;
+  /// Not owned, as on the platform.
+  id target = nullptr;
+  SEL action = nullptr;
+
+  static Ref<Button> buttonWithTitle(String* title, id target, SEL action);
+  static Ref<Button> checkboxWithTitle(String* title, id target, SEL action);
+  void setButtonType(NSUInteger value) { type = value; }
+  void setBezelStyle(NSUInteger value) { bezelStyle = value; }
+  void setContentTintColor(Color* value) { tint = value; }
+  void setTitle(String* value) { title = shared(value); }
+  void setImage(Image* value) { image = shared(value); }
+  void setImagePosition(NSUInteger value) { imagePosition = value; }
+  /// On for everything but 0, since no button here has a mixed state.
+  void setState(NSInteger value) { itsState = value != 0 ? 1 : 0; }
+  NSInteger state() const { return itsState; }
+  CGSize intrinsicContentSize() const;
+
+  bool isCheckbox() const { return type == switchType; }
+  bool isOn() const { return itsState != 0; }
+  /// The user presses it: a checkbox changes its state, and then the action is sent.
+  void press();
+};
+
+struct ImageView : Control {
+  /// None for an empty view.
+  Ref<Image> image;
+  NSUInteger scaling = 0;
+
+  void setImage(Image* value) { image = shared(value); }
+  void setImageScaling(NSUInteger value) { scaling = value; }
+  CGSize intrinsicContentSize() const;
+};
+
+} // namespace desktop

@@ -1,0 +1,46 @@
+/// The status bar, its items and their menus.
+#pragma once
+
+#include "desktop/appkit/Control.hpp"
+
+namespace desktop {
+
+struct MenuItem : Object {
+  Ref<String> title;
+  Ref<String> keyEquivalent;
+  SEL action = nullptr;
+  /// Not owned, as on the platform.
+  id target = nullptr;
+  BOOL enabled = true;
+  bool isSeparator = false;
+
+  MenuItem* initWithTitle(String* text, SEL selector, String* key);
+  static Ref<MenuItem> separatorItem();
+  void setTarget(id value) { target = value; }
+  void setAction(SEL value) { action = value; }
+  void setEnabled(BOOL value) { enabled = value; }
+  void setTitle(String* value) { title = shared(value); }
+};
+
+struct Menu : Object {
+  std::vector<Ref<MenuItem>> items;
+
+  void addItem(MenuItem* item) { items.push_back(shared(item)); }
+  MenuItem* itemWithTitle(const std::string& title) const;
+};
+
+struct StatusBarButton : Button {};
+
+/// In the status bar while somebody keeps it.
+struct StatusItem : Object {
+  CGFloat length = 0;
+  Ref<StatusBarButton> itsButton;
+  Ref<Menu> menu;
+
+  ~StatusItem();
+  StatusBarButton* button() const { return itsButton.get(); }
+  /// With its menu the item is complete: now it shows itself.
+  void setMenu(Menu* value);
+};
+
+} // namespace desktop

@@ -1,0 +1,158 @@
+#include "desktop/appkit/View.hpp"
+
+#include "desktop/appkit/AppKit.hpp"
+#include "desktop/appkit/Constraints.hpp"
+#include "desktop/appkit/Layout.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+
+View::View() = default;
+
+View::~View() {
+  for (const auto& subview : subviews)
+    subview->superview = nullptr;
+}
+
+View* View::initWithFrame(CGRect value) {
+  frame = value;
+  return this;
+}
+
+CGSize View::fittingSize() {
+  return {fittingLength(*this, Axis::Horizontal).value_or(0), fittingLength(*this, Axis::Vertical).value_or(0)};
+}
+
+void View::layoutSubtreeIfNeeded() {
+  layOut(*this);
+}
+
+void View::addSubview(View* view) {
+  if (view == nullptr) stop("nothing (nil) was added to a " + isa->name);
+  const auto kept = shared(view);
+  view->removeFromSuperview();
+  view->superview = this;
+  subviews.push_back(kept);
+}
+
+void View::removeFromSuperview() {
+  if (superview == nullptr) return;
+  if (isArranged) static_cast<StackView*>(superview)->removeArrangedSubview(this);
+  View& container = *std::exchange(superview, nullptr);
+  std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
+  const auto isThis = [&](const auto& each) { return each.get() == this; };
+  // The last act: it may have been the last reference.
+  const auto kept = shared(this);
+  container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
+}
+
+void View::setCompressionResistance(float priority, NSInteger axis) {
+  if (axis != 0 && axis != 1) stop("a view has two axes, 0 and 1, not " + std::to_string(axis));
+  compressionResistance[axis] = priority;
+}
+
+void View::setWantsLayer(BOOL value) {
+  if (value && !itsLayer) itsLayer = create<Layer>();
+}
+
+void StackView::addArrangedSubview(View* view) {
+  addSubview(view);
+  view->translatesMask = false;
+  view->isArranged = true;
+  arranged.push_back(view);
+}
+
+void StackView::removeArrangedSubview(View* view) {
+  if (view->superview != this || !std::exchange(view->isArranged, false)) return;
+  arranged.erase(std::find(arranged.begin(), arranged.end(), view));
+}
+
+Ref<Array> StackView::arrangedSubviews() const {
+  auto array = create<Array>();
+  for (View* view : arranged)
+    array->elements.emplace_back(platform::share, view);
+  return array;
+}
+
+BOOL ClipView::isFlipped() const {
+  return !subviews.empty() && desktop::isFlipped(*subviews.front());
+}
+
+ScrollView* ScrollView::init() {
+  const auto made = create<ClipView>();
+  clip = made.get();
+  addSubview(clip);
+  return this;
+}
+
+void ScrollView::setDocumentView(View* view) {
+  if (document != nullptr) document->removeFromSuperview();
+  document = view;
+  if (document != nullptr) clip->addSubview(document);
+}
+
+CGSize ScrollView::contentSize() const {
+  return clip->frame.size;
+}
+
+CGSize Box::intrinsicContentSize() const {
+  constexpr CGFloat separatorHeight = 5;
+  return {-1, type == separator ? separatorHeight : -1};
+}
+
+void forEachView(View& view, const std::function<void(View&)>& visit) {
+  visit(view);
+  for (const auto& subview : view.subviews)
+    forEachView(*subview, visit);
+}
+
+void registerViewClasses() {
+  constexpr auto across = Axis::Horizontal;
+  constexpr auto down = Axis::Vertical;
+  NativeClass<View>("NSView", "NSObject")
+      .method<"initWithFrame:", &View::initWithFrame>()
+      .method<"initWithCoder:", &View::initWithCoder>()
+      .method<"isFlipped", &View::isFlipped>()
+      .method<"intrinsicContentSize", &View::intrinsicContentSize>()
+      .method<"setTranslatesAutoresizingMaskIntoConstraints:", &View::setTranslatesMask>()
+      .method<"setAutoresizingMask:", &View::setAutoresizingMask>()
+      .method<"setFrame:", &View::setFrame>()
+      .method<"fittingSize", &View::fittingSize>()
+      .method<"layoutSubtreeIfNeeded", &View::layoutSubtreeIfNeeded>()
+      .method<"addSubview:", &View::addSubview>()
+      .method<"removeFromSuperview", &View::removeFromSuperview>()
+      .method<"setWantsLayer:", &View::setWantsLayer>()
+      .method<"layer", &View::layer>()
+      .method<"setIdentifier:", &View::setIdentifier>()
+      .method<"identifier", &View::identifier>()
+      .method<"setContentCompressionResistancePriority:forOrientation:", &View::setCompressionResistance>()
+      .method<"leadingAnchor", &View::anchor<XAxisAnchor, across, Edge::Start>>()
+      .method<"trailingAnchor", &View::anchor<XAxisAnchor, across, Edge::End>>()
+      .method<"centerXAnchor", &View::anchor<XAxisAnchor, across, Edge::Centre>>()
+      .method<"topAnchor", &View::anchor<YAxisAnchor, down, Edge::Start>>()
+      .method<"bottomAnchor", &View::anchor<YAxisAnchor, down, Edge::End>>()
+      .method<"widthAnchor", &View::anchor<Dimension, across, Edge::Length>>()
+      .method<"heightAnchor", &View::anchor<Dimension, down, Edge::Length>>();
+  NativeClass<StackView>("NSStackView", "NSView")
+      .method<"setOrientation:", &StackView::setOrientation>()
+      .method<"setAlignment:", &StackView::setAlignment>()
+      .method<"setSpacing:", &StackView::setSpacing>()
+      .method<"addArrangedSubview:", &StackView::addArrangedSubview>()
+      .method<"removeArrangedSubview:", &StackView::removeArrangedSubview>()
+      .method<"arrangedSubviews", &StackView::arrangedSubviews>();
+  NativeClass<ClipView>("NSClipView", "NSView").method<"isFlipped", &ClipView::isFlipped>();
+  NativeClass<ScrollView>("NSScrollView", "NSView")
+      .method<"init", &ScrollView::init>()
+      .method<"setHasVerticalScroller:", &ScrollView::setHasVerticalScroller>()
+      .method<"setHasHorizontalScroller:", &ScrollView::setHasHorizontalScroller>()
+      .method<"setAutohidesScrollers:", &ScrollView::setAutohidesScrollers>()
+      .method<"setDrawsBackground:", &ScrollView::setDrawsBackground>()
+      .method<"setDocumentView:", &ScrollView::setDocumentView>()
+      .method<"contentSize", &ScrollView::contentSize>();
+  NativeClass<Box>("NSBox", "NSView")
+      .method<"setBoxType:", &Box::setBoxType>()
+      .method<"intrinsicContentSize", &Box::intrinsicContentSize>();
+}
+
+} // namespace desktop

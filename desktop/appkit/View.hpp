@@ -1,0 +1,116 @@
+/// The stand-in's views: what a window shows, and what a drawing of it needs to know.
+///
+/// A view owns its subviews; everything else that points at a view does not. Frames are in points, in the superview's
+/// coordinates: y runs upwards unless the superview is flipped. `Layout.hpp` gives them, and tells them from the top.
+#pragma once
+
+#include "desktop/appkit/Appearance.hpp"
+#include "desktop/appkit/ConstraintSolver.hpp"
+#include "desktop/foundation/Collections.hpp"
+#include "desktop/foundation/Strings.hpp"
+
+#include <deque>
+#include <functional>
+
+namespace desktop {
+
+struct Constraint;
+
+enum class Axis { Horizontal, Vertical };
+
+struct View : Object {
+  /// From the back to the front. A double-ended queue, so that taking them out one by one from the first takes linear
+  /// time.
+  std::deque<Ref<View>> subviews;
+  View* superview = nullptr;
+  CGRect frame{};
+  BOOL translatesMask = true;
+  /// By its superview, a stack.
+  bool isArranged = false;
+  NSUInteger autoresizingMask = 0;
+  Ref<String> itsIdentifier;
+  Ref<Layer> itsLayer;
+  /// How firmly the view holds its content's width and height, up to 1000.
+  float compressionResistance[2] = {750, 750};
+  /// Active constraints between this view, its subviews or both.
+  std::vector<Ref<Constraint>> constraints;
+
+  View();
+  ~View();
+  View* initWithFrame(CGRect value);
+  View* initWithCoder(id /*coder*/) { return this; }
+  BOOL isFlipped() const { return false; }
+  /// -1 along an axis for a view that does not mind.
+  CGSize intrinsicContentSize() const { return {-1, -1}; }
+  void setTranslatesMask(BOOL value) { translatesMask = value; }
+  void setAutoresizingMask(NSUInteger value) { autoresizingMask = value; }
+  void setFrame(CGRect value) { frame = value; }
+  CGSize fittingSize();
+  void layoutSubtreeIfNeeded();
+  void addSubview(View* view);
+  void removeFromSuperview();
+  void setWantsLayer(BOOL value);
+  Layer* layer() const { return itsLayer.get(); }
+  void setIdentifier(String* value) { itsIdentifier = shared(value); }
+  String* identifier() const { return itsIdentifier.get(); }
+  /// Along the horizontal (0) or the vertical axis (1).
+  void setCompressionResistance(float priority, NSInteger axis);
+  /// Defined with the anchors.
+  template <class Anchor, Axis axis, Edge edge> Ref<Anchor> anchor();
+};
+
+struct Box : View {
+  static constexpr NSUInteger separator = 2;
+
+  NSUInteger type = 0;
+
+  void setBoxType(NSUInteger value) { type = value; }
+  CGSize intrinsicContentSize() const;
+};
+
+/// Lays its arranged views out in a row or a column, packed towards the start.
+struct StackView : View {
+  std::deque<View*> arranged;
+  Axis orientation = Axis::Horizontal;
+  /// A layout attribute: leading (5), centre-X (9) or centre-Y (10).
+  NSInteger alignment = 10;
+  CGFloat spacing = 8;
+
+  void setOrientation(NSInteger value) { orientation = value == 0 ? Axis::Horizontal : Axis::Vertical; }
+  void setAlignment(NSInteger value) { alignment = value; }
+  void setSpacing(CGFloat value) { spacing = value; }
+  void addArrangedSubview(View* view);
+  /// It stays a subview.
+  void removeArrangedSubview(View* view);
+  Ref<Array> arrangedSubviews() const;
+};
+
+/// What of the document the scroll view shows: everything in it is cut off at its bounds.
+struct ClipView : View {
+  /// As the document is, so that the document's origin is the clip view's.
+  BOOL isFlipped() const;
+};
+
+/// Overlay scrollers: they take no room.
+struct ScrollView : View {
+  ClipView* clip = nullptr;
+  /// Null until it is set.
+  View* document = nullptr;
+  BOOL hasVerticalScroller = false;
+  BOOL hasHorizontalScroller = false;
+  BOOL autohidesScrollers = false;
+  BOOL drawsBackground = true;
+
+  ScrollView* init();
+  void setHasVerticalScroller(BOOL value) { hasVerticalScroller = value; }
+  void setHasHorizontalScroller(BOOL value) { hasHorizontalScroller = value; }
+  void setAutohidesScrollers(BOOL value) { autohidesScrollers = value; }
+  void setDrawsBackground(BOOL value) { drawsBackground = value; }
+  void setDocumentView(View* view);
+  CGSize contentSize() const;
+};
+
+/// All views inside and the view itself, each before those inside it and in the order in which they were put in.
+void forEachView(View& view, const std::function<void(View&)>& visit);
+
+} // namespace desktop

@@ -1,0 +1,115 @@
+#include "desktop/appkit/Window.hpp"
+
+#include "desktop/appkit/AppKit.hpp"
+#include "desktop/appkit/Layout.hpp"
+
+#include <algorithm>
+
+namespace desktop {
+
+Ref<Screen> Screen::mainScreen() {
+  if (!AppKit::current().screen) return nullptr;
+  auto screen = create<Screen>();
+  screen->itsVisibleFrame = {{0, 0}, *AppKit::current().screen};
+  return screen;
+}
+
+Window::~Window() {
+  std::erase(AppKit::current().windows, this);
+}
+
+Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger /*backing*/, BOOL /*defer*/) {
+  styleMask = style;
+  frame = {rect.origin, {rect.size.width, rect.size.height + barHeight()}};
+  itsContentView = create<View>();
+  itsContentView->frame.size = rect.size;
+  return this;
+}
+
+void Window::setDelegate(id value) {
+  if (value != nullptr && !conformsTo(value, "NSWindowDelegate"))
+    stop("a " + value->isa->name + " is no NSWindowDelegate");
+  delegate = value;
+}
+
+CGSize Window::contentSize() const {
+  return {frame.size.width, frame.size.height - barHeight()};
+}
+
+void Window::setContentSize(CGSize size) {
+  const CGSize before = contentSize();
+  // The top edge stays where it is.
+  frame.origin.y += before.height - size.height;
+  frame.size = {size.width, size.height + barHeight()};
+  layOut();
+  if (size.width != before.width || size.height != before.height) tellDelegate(delegate, "windowDidResize:");
+}
+
+void Window::layOut() {
+  itsContentView->frame.size = contentSize();
+  desktop::layOut(*itsContentView);
+}
+
+void Window::center() {
+  if (!AppKit::current().screen) return;
+  // A third of what is left goes above the window, as on the platform.
+  frame.origin = {(AppKit::current().screen->width - frame.size.width) / 2,
+                  (AppKit::current().screen->height - frame.size.height) * 2 / 3};
+}
+
+void Window::makeKeyAndOrderFront(id /*sender*/) {
+  auto& windows = AppKit::current().windows;
+  std::erase(windows, this);
+  windows.push_back(this);
+  layOut();
+  const CGSize size = contentSize();
+  tell({"window", textOf(title.get()), sizeText(size.width), sizeText(size.height)});
+}
+
+bool Window::isVisible() const {
+  const auto& windows = AppKit::current().windows;
+  return std::find(windows.begin(), windows.end(), this) != windows.end();
+}
+
+Ref<Screen> Window::screen() const {
+  return isVisible() ? Screen::mainScreen() : nullptr;
+}
+
+bool Window::resize(CGSize size) {
+  if ((styleMask & resizable) == 0) return false;
+  setContentSize({std::max(size.width, itsMinSize.width), std::max(size.height, itsMinSize.height - barHeight())});
+  return true;
+}
+
+void Window::close() {
+  std::erase(AppKit::current().windows, this);
+  if (releasedWhenClosed) release(this);
+}
+
+WindowController* WindowController::initWithWindow(Window* window) {
+  itsWindow = shared(window);
+  return this;
+}
+
+void registerWindowClasses() {
+  NativeClass<Screen>("NSScreen", "NSObject")
+      .classMethod<"mainScreen", &Screen::mainScreen>()
+      .method<"visibleFrame", &Screen::visibleFrame>();
+  NativeClass<Window>("NSWindow", "NSObject")
+      .method<"initWithContentRect:styleMask:backing:defer:", &Window::initWithContentRect>()
+      .method<"setTitle:", &Window::setTitle>()
+      .method<"setReleasedWhenClosed:", &Window::setReleasedWhenClosed>()
+      .method<"setMinSize:", &Window::setMinSize>()
+      .method<"minSize", &Window::minSize>()
+      .method<"setDelegate:", &Window::setDelegate>()
+      .method<"contentView", &Window::contentView>()
+      .method<"setContentSize:", &Window::setContentSize>()
+      .method<"center", &Window::center>()
+      .method<"makeKeyAndOrderFront:", &Window::makeKeyAndOrderFront>()
+      .method<"screen", &Window::screen>();
+  NativeClass<WindowController>("NSWindowController", "NSObject")
+      .method<"initWithWindow:", &WindowController::initWithWindow>()
+      .method<"window", &WindowController::window>();
+}
+
+} // namespace desktop

@@ -1,0 +1,66 @@
+/// Windows, their controllers, and the screen that they are on.
+#pragma once
+
+#include "desktop/appkit/View.hpp"
+
+namespace desktop {
+
+/// The main screen. Its origin is the bottom left corner of the visible frame.
+struct Screen : Object {
+  CGRect itsVisibleFrame{};
+
+  /// None without a screen.
+  static Ref<Screen> mainScreen();
+  CGRect visibleFrame() const { return itsVisibleFrame; }
+};
+
+struct Window : Object {
+  static constexpr NSUInteger titled = 1;
+  static constexpr NSUInteger resizable = 8;
+  static constexpr CGFloat titleBarHeight = 28;
+
+  Ref<String> title;
+  NSUInteger styleMask = 0;
+  /// On the screen, y upwards; the title bar is part of it.
+  CGRect frame{};
+  CGSize itsMinSize{};
+  Ref<View> itsContentView;
+  /// Not owned, as on the platform.
+  id delegate = nullptr;
+  BOOL releasedWhenClosed = true;
+
+  ~Window();
+  Window* initWithContentRect(CGRect rect, NSUInteger style, NSUInteger backing, BOOL defer);
+  void setTitle(String* value) { title = shared(value); }
+  void setReleasedWhenClosed(BOOL value) { releasedWhenClosed = value; }
+  void setMinSize(CGSize value) { itsMinSize = value; }
+  CGSize minSize() const { return itsMinSize; }
+  void setDelegate(id value);
+  View* contentView() const { return itsContentView.get(); }
+  void setContentSize(CGSize size);
+  void center();
+  void makeKeyAndOrderFront(id sender);
+  /// None while the window is not on the screen.
+  Ref<Screen> screen() const;
+
+  bool isVisible() const;
+  CGSize contentSize() const;
+  /// Gives every view in the window its frame: what the platform does before it draws.
+  void layOut();
+  /// The user drags it to this content size, or as near as its minimum allows; false when it cannot be resized.
+  bool resize(CGSize size);
+  /// The user closes it: it leaves the screen.
+  void close();
+
+private:
+  CGFloat barHeight() const { return (styleMask & titled) != 0 ? titleBarHeight : 0; }
+};
+
+struct WindowController : Object {
+  Ref<Window> itsWindow;
+
+  WindowController* initWithWindow(Window* window);
+  Window* window() const { return itsWindow.get(); }
+};
+
+} // namespace desktop

@@ -1,0 +1,93 @@
+#include "desktop/foundation/CoreFoundation.hpp"
+
+#include "desktop/foundation/Dispatch.hpp"
+#include "desktop/foundation/Strings.hpp"
+#include "desktop/runtime/Faults.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+namespace desktop {
+
+MachPort::~MachPort() = default;
+
+void RunLoop::settle() const {
+  const platform::AutoreleasePool pool;
+  while (sendNextEvent() || MainQueue::current().runNext()) {
+  }
+}
+
+void RunLoop::serve(const std::function<bool()>& done) {
+  settle();
+  while (!done()) {
+    const platform::AutoreleasePool pool;
+    if (!inputEnded && !nextCommand()) inputEnded = true;
+    settle();
+  }
+}
+
+void RunLoop::wait(double seconds) const {
+  // So far the clock goes; it stops there rather than run over.
+  constexpr std::int64_t lastMoment = std::int64_t{1} << 62;
+  MainQueue& queue = MainQueue::current();
+  const double nanoseconds = std::min(seconds * 1e9, static_cast<double>(lastMoment - queue.now));
+  const auto end = queue.now + std::llround(nanoseconds);
+  settle();
+  while (queue.now < end) {
+    queue.now = queue.nextMoment(end);
+    settle();
+  }
+}
+
+void registerCoreFoundationClasses() {
+  NativeClass<MachPort>("CFMachPort", "NSObject");
+  NativeClass<RunLoopSource>("CFRunLoopSource", "NSObject");
+}
+
+} // namespace desktop
+
+using namespace desktop;
+
+extern "C" {
+
+const CFAllocatorRef kCFAllocatorDefault = nullptr;
+const CFRunLoopMode kCFRunLoopCommonModes = constantString(u"kCFRunLoopCommonModes");
+
+CFTypeRef CFRetain(CFTypeRef object) {
+  return static_cast<id>(retain(objectBehind<Object>(object)));
+}
+void CFRelease(CFTypeRef object) {
+  release(objectBehind<Object>(object));
+}
+Boolean CFEqual(CFTypeRef one, CFTypeRef other) {
+  return one == other || objectBehind<String>(one)->isEqualToString(objectBehind<String>(other));
+}
+CFHashCode CFHash(CFTypeRef object) {
+  return objectBehind<String>(object)->hash();
+}
+/// Classes are the type identifiers here.
+CFTypeID CFGetTypeID(CFTypeRef object) {
+  return reinterpret_cast<CFTypeID>(objectBehind<Object>(object)->isa);
+}
+
+CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
+  if (Faults::current().runLoopSource) return nullptr;
+  auto source = create<RunLoopSource>();
+  source->port = shared(objectBehind<MachPort>(port));
+  return referenceTo<CFRunLoopSourceRef>(source.detach());
+}
+
+CFRunLoopRef CFRunLoopGetCurrent() {
+  static char onlyLoop;
+  return reinterpret_cast<CFRunLoopRef>(&onlyLoop);
+}
+
+void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  if (mode != kCFRunLoopCommonModes) stop("a source outside of the common modes would miss events under an alert");
+  objectBehind<RunLoopSource>(source)->port->scheduled = shared(objectBehind<RunLoopSource>(source));
+}
+
+void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode) {
+  objectBehind<RunLoopSource>(source)->port->scheduled = nullptr;
+}
+}

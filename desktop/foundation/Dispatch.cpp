@@ -1,0 +1,60 @@
+#include "desktop/foundation/Dispatch.hpp"
+
+#include "platform/Dispatch.hpp"
+
+#include <algorithm>
+
+struct dispatch_queue_s {};
+extern "C" {
+dispatch_queue_s _dispatch_main_q;
+}
+
+namespace desktop {
+
+void MainQueue::add(std::int64_t due, void* context, Work work) {
+  const auto later = [](std::int64_t moment, const Block& block) { return moment < block.due; };
+  blocks.insert(std::upper_bound(blocks.begin(), blocks.end(), due, later), {due, context, work});
+}
+
+bool MainQueue::runNext() {
+  if (running || blocks.empty() || blocks.front().due > now) return false;
+  const Block block = blocks.front();
+  blocks.erase(blocks.begin());
+  running = true;
+  block.work(block.context);
+  running = false;
+  return true;
+}
+
+void MainQueue::clear() {
+  // For the life of the desktop's process, so that they do not pass for leaks of the program.
+  static auto* const dropped = new std::vector<Block>;
+  dropped->insert(dropped->end(), blocks.begin(), blocks.end());
+  blocks.clear();
+}
+
+std::int64_t MainQueue::nextMoment(std::int64_t limit) const {
+  // A running block holds back those behind it, whenever they were due.
+  return running || blocks.empty() ? limit : std::min(limit, std::max(now, blocks.front().due));
+}
+
+} // namespace desktop
+
+using namespace desktop;
+
+extern "C" {
+
+dispatch_time_t dispatch_time(dispatch_time_t when, std::int64_t delta) {
+  const auto start = when == DISPATCH_TIME_NOW ? MainQueue::current().now : static_cast<std::int64_t>(when);
+  return static_cast<dispatch_time_t>(start + delta);
+}
+
+void dispatch_async_f(dispatch_queue_t, void* context, dispatch_function_t work) {
+  MainQueue& queue = MainQueue::current();
+  queue.add(queue.now, context, work);
+}
+
+void dispatch_after_f(dispatch_time_t when, dispatch_queue_t, void* context, dispatch_function_t work) {
+  MainQueue::current().add(static_cast<std::int64_t>(when), context, work);
+}
+}

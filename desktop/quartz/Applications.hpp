@@ -1,0 +1,38 @@
+/// The applications that run, as the window server knows them: which is in front, and what has the focus in each.
+#pragma once
+
+#include "desktop/foundation/Strings.hpp"
+#include "desktop/runtime/Part.hpp"
+
+#include <optional>
+
+namespace desktop {
+
+struct Event;
+
+/// An application that runs. The Finder and the user's own are played by the desktop; what the program asks of one by
+/// message is in `appkit/Workspace.cpp`.
+struct RunningApplication : Object {
+  std::string name;
+  Ref<String> identifier;
+  /// Role of the element with the keyboard focus; none when nothing has it.
+  std::optional<std::string> role;
+  /// What it does of its own accord with a key that it receives.
+  void (*reaction)(RunningApplication&, const Event&) = nullptr;
+};
+
+struct Applications : Part<Applications> {
+  std::vector<Ref<RunningApplication>> running;
+  Ref<RunningApplication> frontmost;
+  /// While the program runs.
+  Ref<RunningApplication> tarnwick;
+
+  /// Without a bundle identifier when that is empty. In the background, its focus in a group of elements.
+  RunningApplication& start(const std::string& name, const std::string& identifier);
+  /// False when none of that name runs.
+  bool end(const std::string& name);
+  /// Null when none of that name runs.
+  RunningApplication* named(const std::string& name) const;
+};
+
+} // namespace desktop

@@ -1,0 +1,73 @@
+/// Texts.
+#pragma once
+
+#include "platform/CoreFoundation.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+/// A text of UTF-16 units. Equality is that of the units: no case folding, no normalisation.
+class NSString : public NSObject {
+public:
+  using NSObject::NSObject;
+
+  /// A copy of UTF-8 text; empty (no string) when it is not UTF-8.
+  static NSString utf8(std::string_view text) {
+    constexpr NSUInteger NSUTF8StringEncoding = 4;
+    return make<"NSString", "initWithBytes:length:encoding:", NSString>(
+        static_cast<const void*>(text.data()), static_cast<NSUInteger>(text.size()), NSUTF8StringEncoding);
+  }
+  /// A constant, made once and never released, so that the key path can compare with it.
+  template <Literal text> static const NSString& constant() {
+    // Not a guarded static, so that the key path stays short: the program is on the main thread.
+    static const NSString* made = nullptr;
+    if (made == nullptr) made = new NSString(utf8(text.text));
+    return *made;
+  }
+  /// The same object under its CoreFoundation name; still owned by this value.
+  [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
+
+  [[nodiscard]] NSUInteger length() const { return send<"length", NSUInteger>(*this); }
+  [[nodiscard]] std::u16string characters() const {
+    std::u16string units(length(), u'\0');
+    send<"getCharacters:range:">(*this, units.data(), NSRange{0, units.size()});
+    return units;
+  }
+  [[nodiscard]] NSString stringByAppendingString(const NSString& tail) const {
+    return send<"stringByAppendingString:", NSString>(*this, tail);
+  }
+  /// Without the whitespace and line ends at both ends.
+  [[nodiscard]] NSString stringByTrimmingWhitespaceAndNewlines() const {
+    const auto set = send<"whitespaceAndNewlineCharacterSet", NSObject>(theClass<"NSCharacterSet">);
+    return send<"stringByTrimmingCharactersInSet:", NSString>(*this, set);
+  }
+  /// The canonical composition (NFC).
+  [[nodiscard]] NSString precomposedStringWithCanonicalMapping() const {
+    return send<"precomposedStringWithCanonicalMapping", NSString>(*this);
+  }
+
+  friend bool operator==(const NSString& one, const NSString& other) {
+    if (!one || !other) return one.object() == other.object();
+    return CFEqual(one.object(), other.object()) != 0;
+  }
+};
+
+/// For hash tables of strings. The CoreFoundation calls do without the look-up of a message.
+struct NSStringHash {
+  std::size_t operator()(const NSString& text) const { return CFHash(text.object()); }
+};
+
+/// The object under its Objective-C name, shared.
+inline NSObject sharing(CFTypeRef reference) {
+  return {share, static_cast<id>(const_cast<void*>(reference))};
+}
+
+/// `value` when it is a string, else no string.
+inline NSString asString(const NSObject& value) {
+  const bool isString = send<"isKindOfClass:", BOOL>(value, theClass<"NSString">);
+  return isString ? NSString(share, value.object()) : NSString();
+}
+
+} // namespace platform
