@@ -16,9 +16,9 @@ bool AccessibilityPermissions::ensure() {
 
 void AccessibilityPermissions::showAlert() {
   const auto alert = NSAlert::make();
-  alert.setMessageText(NSString::utf8("Accessibility Permission Required"));
-  alert.setInformativeText(NSString::utf8("Enable Tarnwick in System Settings > Privacy & Security > Accessibility."));
-  alert.addButtonWithTitle(NSString::utf8("OK"));
+  alert.setMessageText("Accessibility Permission Required");
+  alert.setInformativeText("Enable Tarnwick in System Settings > Privacy & Security > Accessibility.");
+  alert.addButtonWithTitle("OK");
   alert.runModal();
 }
 

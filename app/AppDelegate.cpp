@@ -19,17 +19,17 @@ constexpr const char* enableTitle = "Enable Tarnwick";
 
 /// The image of the status bar, or its name where the image cannot be had.
 void showStatusImage(const NSStatusBarButton& button) {
-  const NSURL file = NSBundle::mainBundle().URLForResource(NSString::utf8("MenuBarTemplate"), NSString::utf8("png"));
+  const NSURL file = NSBundle::mainBundle().URLForResource("MenuBarTemplate", "png");
   const NSImage image = file ? NSImage::withContentsOfURL(file) : NSImage();
   if (!image) {
-    button.setTitle(NSString::utf8("Tarnwick"));
+    button.setTitle("Tarnwick");
     return;
   }
   image.setTemplate(YES);
   image.setSize({18, 18});
   button.setImage(image);
   button.setImagePosition(NSImageOnly);
-  button.setTitle(NSString::utf8(""));
+  button.setTitle("");
 }
 
 } // namespace
@@ -71,7 +71,7 @@ void AppDelegate::applicationWillTerminate(id /*notification*/) {
 }
 
 NSMenuItem AppDelegate::makeItem(const char* title, SEL action, const char* keyEquivalent) const {
-  auto item = NSMenuItem::make(NSString::utf8(title), action, NSString::utf8(keyEquivalent));
+  auto item = NSMenuItem::make(title, action, keyEquivalent);
   item.setTarget(self);
   return item;
 }
@@ -107,7 +107,7 @@ void AppDelegate::setupUpdater() {
 }
 
 void AppDelegate::showToggleTitle() const {
-  toggleItem.setTitle(NSString::utf8(remapper->enabled ? disableTitle : enableTitle));
+  toggleItem.setTitle(remapper->enabled ? disableTitle : enableTitle);
 }
 
 void AppDelegate::toggleRemap() {

@@ -14,16 +14,16 @@ bool isPlaceholder(const NSString& value) {
 } // namespace
 
 bool isConfiguredForUpdates(const NSBundle& bundle) {
-  const NSString feed = asString(bundle.objectForInfoDictionaryKey(NSString::utf8("SUFeedURL")));
+  const NSString feed = asString(bundle.objectForInfoDictionaryKey("SUFeedURL"));
   if (!feed) return false;
-  const NSString publicKey = asString(bundle.objectForInfoDictionaryKey(NSString::utf8("SUPublicEDKey")));
+  const NSString publicKey = asString(bundle.objectForInfoDictionaryKey("SUPublicEDKey"));
   if (!publicKey) return false;
   if (feed.length() == 0 || publicKey.length() == 0) return false;
   return !isPlaceholder(feed) && !isPlaceholder(publicKey);
 }
 
 SPUStandardUpdaterController startUpdater(const NSBundle& bundle) {
-  const NSURL place = bundle.privateFrameworksURL().URLByAppendingPathComponent(NSString::utf8("Sparkle.framework"));
+  const NSURL place = bundle.privateFrameworksURL().URLByAppendingPathComponent("Sparkle.framework");
   const NSBundle framework = place ? NSBundle::withURL(place) : NSBundle();
   return framework.load() ? SPUStandardUpdaterController::makeStarted() : SPUStandardUpdaterController();
 }

@@ -8,22 +8,27 @@
 
 namespace platform {
 
+inline constexpr NSUInteger NSUTF8StringEncoding = 4;
+
 /// A text of UTF-16 units. Equality is that of the units: no case folding, no normalisation.
 class NSString : public NSObject {
 public:
   using NSObject::NSObject;
 
   /// A copy of UTF-8 text; empty (no string) when it is not UTF-8.
-  static NSString utf8(std::string_view text) {
-    constexpr NSUInteger NSUTF8StringEncoding = 4;
-    return make<"NSString", "initWithBytes:length:encoding:", NSString>(
-        static_cast<const void*>(text.data()), static_cast<NSUInteger>(text.size()), NSUTF8StringEncoding);
-  }
+  explicit NSString(std::string_view utf8)
+      : NSObject(adopt, make<"NSString", "initWithBytes:length:encoding:">(static_cast<const void*>(utf8.data()),
+                                                                           static_cast<NSUInteger>(utf8.size()),
+                                                                           NSUTF8StringEncoding)
+                            .detach()) {}
+  // Implicit: a literal stands for its text.
+  NSString(const char* utf8) : NSString(std::string_view(utf8)) {}
+
   /// A constant, made once and never released, so that the key path can compare with it.
   template <Literal text> static const NSString& constant() {
     // Not a guarded static, so that the key path stays short: the program is on the main thread.
     static const NSString* made = nullptr;
-    if (made == nullptr) made = new NSString(utf8(text.text));
+    if (made == nullptr) made = new NSString(text.text);
     return *made;
   }
   /// The same object under its CoreFoundation name; still owned by this value.

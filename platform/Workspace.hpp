@@ -35,7 +35,7 @@ public:
   void openURL(const NSURL& url) const { send<"openURL:", BOOL>(*this, url); }
   /// Nothing happens when the text is no URL.
   static void openAddress(std::string_view address) {
-    if (const NSURL url = NSURL::URLWithString(NSString::utf8(address))) sharedWorkspace().openURL(url);
+    if (const NSURL url = NSURL::URLWithString(NSString(address))) sharedWorkspace().openURL(url);
   }
 };
 

@@ -13,10 +13,10 @@ namespace {
 bool askToMoveToBin() {
   const auto alert = NSAlert::make();
   alert.setAlertStyle(NSAlertStyleWarning);
-  alert.setMessageText(NSString::utf8("Move selected item to Bin?"));
-  alert.setInformativeText(NSString::utf8("This will move the selected Finder item to Bin."));
-  alert.addButtonWithTitle(NSString::utf8("Move to Bin"));
-  alert.addButtonWithTitle(NSString::utf8("Cancel"));
+  alert.setMessageText("Move selected item to Bin?");
+  alert.setInformativeText("This will move the selected Finder item to Bin.");
+  alert.addButtonWithTitle("Move to Bin");
+  alert.addButtonWithTitle("Cancel");
   return alert.runModal() == NSAlertFirstButtonReturn;
 }
 

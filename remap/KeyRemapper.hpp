@@ -86,7 +86,7 @@ private:
   platform::CF<CFRunLoopSourceRef> runLoopSource;
   /// From the request for a confirmation until its alert has been answered.
   bool isDeleteConfirmationPending = false;
-  const platform::NSString exemptionsDefaultsKey = platform::NSString::utf8("exemptBundleIDs");
+  const platform::NSString exemptionsDefaultsKey = "exemptBundleIDs";
   std::unordered_set<platform::NSString, platform::NSStringHash> exemptBundleIDs;
 
   KeyRemapper();

@@ -35,7 +35,7 @@ NSView makeIconFrame() {
 
 /// Empty when the bundle's icon cannot be read as an image.
 NSImage applicationIcon() {
-  const NSURL file = NSBundle::mainBundle().URLForResource(NSString::utf8("AppIcon"), NSString::utf8("icns"));
+  const NSURL file = NSBundle::mainBundle().URLForResource("AppIcon", "icns");
   if (file) return NSImage::withContentsOfURL(file);
   return NSImage::imageNamed({share, NSImageNameApplicationIcon});
 }

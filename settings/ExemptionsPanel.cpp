@@ -11,14 +11,14 @@ namespace {
 
 NSOpenPanel makeApplicationPanel() {
   auto panel = NSOpenPanel::openPanel();
-  panel.setTitle(NSString::utf8("Choose Application to Exempt"));
-  panel.setMessage(NSString::utf8("Select an application bundle (.app)"));
-  panel.setPrompt(NSString::utf8("Add Exemption"));
+  panel.setTitle("Choose Application to Exempt");
+  panel.setMessage("Select an application bundle (.app)");
+  panel.setPrompt("Add Exemption");
   panel.setCanChooseFiles(YES);
   panel.setCanChooseDirectories(NO);
   panel.setAllowsMultipleSelection(NO);
   panel.setAllowedContentTypes(NSArray::of<UTType>({UTType::applicationBundle()}));
-  panel.setDirectoryURL(NSURL::fileURLWithPath(NSString::utf8("/Applications")));
+  panel.setDirectoryURL(NSURL::fileURLWithPath("/Applications"));
   return panel;
 }
 
@@ -38,7 +38,7 @@ void MappingsWindowController::refreshExemptionsUI() {
   removeAll(exemptionsListStack);
   const std::vector<NSString> bundleIDs = remapper->allExemptBundleIDs();
   if (bundleIDs.empty()) {
-    exemptionsListStack.addArrangedSubview(makeSecondaryLabel(NSString::utf8("No exempt apps yet.")));
+    exemptionsListStack.addArrangedSubview(makeSecondaryLabel("No exempt apps yet."));
     return;
   }
   for (const NSString& bundleID : bundleIDs)

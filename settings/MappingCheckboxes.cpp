@@ -5,7 +5,7 @@ namespace tarnwick {
 using namespace platform;
 
 NSButton MappingsWindowController::makeCheckbox(const char* title, bool KeyRemapper::*flag) {
-  auto checkbox = NSButton::checkboxWithTitle(NSString::utf8(title), self, selectorNamed<"toggleMapping:">());
+  auto checkbox = NSButton::checkboxWithTitle(title, self, selectorNamed<"toggleMapping:">());
   checkbox.setButtonType(NSButtonTypeSwitch);
   bindings.push_back({checkbox, flag});
   return checkbox;

@@ -17,7 +17,7 @@ NSWindow makeWindow() {
   auto window = NSWindow::make({{0, 0}, MappingsWindowController::defaultContentSize},
                                NSWindowStyleMaskTitled | NSWindowStyleMaskClosable | NSWindowStyleMaskResizable,
                                NSBackingStoreBuffered, NO);
-  window.setTitle(NSString::utf8("Tarnwick Settings"));
+  window.setTitle("Tarnwick Settings");
   window.setReleasedWhenClosed(NO);
   window.setMinSize({460, 500});
   return window;

@@ -8,13 +8,13 @@ using namespace platform;
 namespace {
 
 NSTextField makeHeading(const char* text) {
-  auto label = NSTextField::labelWithString(NSString::utf8(text));
+  auto label = NSTextField::labelWithString(text);
   label.setFont(NSFont::boldSystemFontOfSize(12));
   return label;
 }
 
 NSTextField makeNote(const char* text) {
-  auto label = NSTextField::labelWithString(NSString::utf8(text));
+  auto label = NSTextField::labelWithString(text);
   label.setLineBreakMode(NSLineBreakByWordWrapping);
   label.setMaximumNumberOfLines(0);
   return label;
@@ -41,9 +41,8 @@ NSView makeCentered(const NSView& view) {
 }
 
 NSString versionText() {
-  const auto key = NSString::utf8("CFBundleShortVersionString");
-  const NSString version = asString(NSBundle::mainBundle().objectForInfoDictionaryKey(key));
-  return NSString::utf8("Version ").stringByAppendingString(version ? version : NSString::utf8("Unknown"));
+  const NSString version = asString(NSBundle::mainBundle().objectForInfoDictionaryKey("CFBundleShortVersionString"));
+  return NSString("Version ").stringByAppendingString(version ? version : "Unknown");
 }
 
 NSView makeFooter() {
@@ -112,7 +111,7 @@ NSView MappingsWindowController::makeAboutRow() const {
 }
 
 NSButton MappingsWindowController::makeButton(const char* title, SEL action) const {
-  return NSButton::buttonWithTitle(NSString::utf8(title), self, action);
+  return NSButton::buttonWithTitle(title, self, action);
 }
 
 } // namespace tarnwick

@@ -45,8 +45,7 @@ std::u16string unitsOf(const String* string) {
 }
 
 String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger encoding) {
-  constexpr NSUInteger NSUTF8StringEncoding = 4;
-  if (encoding != NSUTF8StringEncoding) stop("no string encoding but UTF-8 (4) is known here");
+  if (encoding != platform::NSUTF8StringEncoding) stop("no string encoding but UTF-8 (4) is known here");
   auto units = utf16({static_cast<const char*>(bytes), length});
   if (!units) {
     release(this);

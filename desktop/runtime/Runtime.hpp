@@ -112,32 +112,35 @@ template <class Type> Type* ifIs(id object) {
   return object != nullptr && isKindOf(object, nativeClass<Type>) ? static_cast<Type*>(object) : nullptr;
 }
 
-namespace native {
-
-/// How a method's C++ types travel in a message.
-template <class Type> struct Form {
-  using Sent = Type;
-  static Type in(Type value) { return value; }
-  static Type out(Type value) { return value; }
-};
 /// A class of the desktop. The platform's C types are declared and never defined.
 template <class Type>
 concept NativeObject = requires {
   sizeof(Type);
 }
 &&std::derived_from<Type, Object>;
-template <NativeObject Type> struct Form<Type*> {
+
+} // namespace desktop
+
+namespace platform::wire {
+
+template <desktop::NativeObject Type> struct Passing<Type*> {
   using Sent = id;
-  static Type* in(id value) { return as<Type>(value); }
+  static Type* in(id value) { return desktop::as<Type>(value); }
   static id out(Type* value) { return value; }
 };
 /// A result that the caller does not own.
-template <class Type> struct Form<Ref<Type>> {
+template <class Type> struct Passing<desktop::Ref<Type>> {
   using Sent = id;
-  static id out(Ref<Type> value) { return autorelease(value.detach()); }
+  static id out(desktop::Ref<Type> value) { return desktop::autorelease(value.detach()); }
 };
 
-template <class Type> using Sent = typename Form<Type>::Sent;
+} // namespace platform::wire
+
+namespace desktop {
+namespace native {
+
+using platform::wire::Passing;
+using platform::wire::Sent;
 
 template <auto member> struct Entry;
 
@@ -148,16 +151,15 @@ template <class Result, class... Arguments> struct Typed {
     if constexpr (std::is_void_v<Result>) {
       call();
     } else {
-      return Form<Result>::out(call());
+      return Passing<Result>::out(call());
     }
   }
 };
-template <> struct Form<void> { using Sent = void; };
 
 template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...)> struct Entry<member> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return (static_cast<Type*>(self)->*member)(Form<Arguments>::in(arguments)...); });
+    return Signature::run([&] { return (static_cast<Type*>(self)->*member)(Passing<Arguments>::in(arguments)...); });
   }
 };
 
@@ -165,7 +167,8 @@ template <class Type, class Result, class... Arguments, Result (Type::*member)(A
 struct Entry<member> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return (static_cast<const Type*>(self)->*member)(Form<Arguments>::in(arguments)...); });
+    return Signature::run(
+        [&] { return (static_cast<const Type*>(self)->*member)(Passing<Arguments>::in(arguments)...); });
   }
 };
 
@@ -174,7 +177,7 @@ template <class Type, class Result, class... Arguments, Result (*function)(Type&
 struct Entry<function> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return function(static_cast<Type&>(*self), Form<Arguments>::in(arguments)...); });
+    return Signature::run([&] { return function(static_cast<Type&>(*self), Passing<Arguments>::in(arguments)...); });
   }
 };
 
@@ -183,7 +186,7 @@ template <class Result, class... Arguments, Result (*function)(Arguments...)>
 requires(!(std::is_reference_v<Arguments> || ...)) struct Entry<function> {
   using Signature = Typed<Result, Arguments...>;
   static Sent<Result> call(id, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return function(Form<Arguments>::in(arguments)...); });
+    return Signature::run([&] { return function(Passing<Arguments>::in(arguments)...); });
   }
 };
 

@@ -7,7 +7,7 @@ namespace {
 using namespace std::string_literals;
 
 id releasedString() {
-  const auto text = NSString::utf8("gone");
+  const auto text = NSString("gone");
   return text.object();
 }
 
@@ -18,42 +18,42 @@ TEST(MessagesDeathTest, StopTheProgramWhenTheyAreWrong) {
     void (*mistake)();
     const char* sentence;
   } mistakes[] = {
-      {"an unknown selector", [] { send<"lenght", NSUInteger>(NSString::utf8("text")); },
+      {"an unknown selector", [] { send<"lenght", NSUInteger>(NSString("text")); },
        "a NSString has no method 'lenght' \\(called as Q@:\\)"},
       {"an instance's method asked of the class", [] { send<"length", NSUInteger>(theClass<"NSString">); },
        "the class NSString has no method 'length'"},
-      {"a superclass without it", [] { sendSuper<"NSObject", "length", NSUInteger>(NSString::utf8("text").object()); },
+      {"a superclass without it", [] { sendSuper<"NSObject", "length", NSUInteger>(NSString("text").object()); },
        "a NSString has no method 'length'"},
-      {"another result", [] { send<"length", double>(NSString::utf8("text")); },
+      {"another result", [] { send<"length", double>(NSString("text")); },
        "'length' of a NSString has the type Q@: but was called as d@:"},
       {"another result, after it went well",
        [] {
-         const auto text = NSString::utf8("text");
+         const auto text = NSString("text");
          if (text.length() == 4) send<"length", int>(text);
        },
        "'length' of a NSString has the type Q@: but was called as i@:"},
-      {"an argument too few", [] { send<"stringByAppendingString:", NSString>(NSString::utf8("text")); },
+      {"an argument too few", [] { send<"stringByAppendingString:", NSString>(NSString("text")); },
        "'stringByAppendingString:' of a NSString has the type @@:@ but was called as @@:"},
       {"an int for a Boolean", [] { send<"setEnabled:">(NSMenuItem::separatorItem(), 1); },
        "'setEnabled:' of a NSMenuItem has the type v@:B but was called as v@:i"},
-      {"an argument of another class", [] { send<"addItem:">(NSMenu::make(), NSString::utf8("text")); },
+      {"an argument of another class", [] { send<"addItem:">(NSMenu::make(), NSString("text")); },
        "a NSString was given where a NSMenuItem is wanted"},
       {"a released receiver, after one that lives",
        [] {
-         const auto alive = NSString::utf8("text");
+         const auto alive = NSString("text");
          for (const id receiver : {alive.object(), releasedString()})
            send<"length", NSUInteger>(receiver);
        },
        "message 'length' to a released NSString"},
       {"a method for a class in use",
        [] {
-         const auto text = NSString::utf8("text");
+         const auto text = NSString("text");
          class_addMethod(objc_getClass("NSString"), selectorNamed<"uppercaseString">(), nullptr, "@@:");
        },
        "NSString was given a method after it had been sent messages"},
       {"a released object kept", [] { objc_retain(releasedString()); }, "a released NSString was retained"},
       {"a released object as argument",
-       [] { send<"stringByAppendingString:", NSString>(NSString::utf8("text"), Lent<NSString>(releasedString())); },
+       [] { send<"stringByAppendingString:", NSString>(NSString("text"), Lent<NSString>(releasedString())); },
        "a released NSString was used"},
       {"one release too many", [] { objc_release(releasedString()); }, "a released NSString was released again"},
   };
@@ -82,8 +82,8 @@ TEST(Messages, ToNothingAnswerZero) {
 
 TEST(Messages, OfAnInitialiserThatRefusesLeaveNothingBehind) {
   const desktop::LeakCheck nothingLeaks;
-  EXPECT_FALSE(NSString::utf8("\xff"));
-  EXPECT_EQ(NSString::utf8("a\0b"s).characters(), u"a\0b"s);
+  EXPECT_FALSE(NSString("\xff"));
+  EXPECT_EQ(NSString("a\0b"s).characters(), u"a\0b"s);
 }
 
 TEST(AutoreleasePools, ReleaseWhatCameDuringTheirOwnLife) {
@@ -109,7 +109,7 @@ long references(id object) {
 
 TEST(References, AreCountedByTheirOwner) {
   const desktop::LeakCheck nothingLeaks;
-  NSString first = NSString::utf8("text");
+  NSString first = NSString("text");
   const id object = first.object();
   EXPECT_EQ(references(object), 1) << "made and taken over";
   {
@@ -118,7 +118,7 @@ TEST(References, AreCountedByTheirOwner) {
     EXPECT_EQ(references(object), 3);
     copy = another;
     EXPECT_EQ(references(object), 3);
-    copy = NSString::utf8("other");
+    copy = NSString("other");
     EXPECT_EQ(references(object), 2);
   }
   EXPECT_EQ(references(object), 1);
@@ -135,7 +135,7 @@ TEST(References, AreCountedByTheirOwner) {
 
 TEST(References, LentOnesStayWithTheirOwner) {
   const desktop::LeakCheck nothingLeaks;
-  const NSString owner = NSString::utf8("text");
+  const NSString owner = NSString("text");
   const auto lend = [&] { return Lent<NSString>(owner.object()); };
   const NSString copy = lend();
   NSString assigned;
@@ -150,7 +150,7 @@ TEST(References, LentOnesStayWithTheirOwner) {
 
 TEST(References, OfCoreFoundationAreCountedAlike) {
   const desktop::LeakCheck nothingLeaks;
-  const NSString text = NSString::utf8("text");
+  const NSString text = NSString("text");
   CF<CFStringRef> shared(share, text.asCFString());
   CF<CFStringRef> adopted(adopt, static_cast<CFStringRef>(CFRetain(text.asCFString())));
   EXPECT_EQ(references(text.object()), 3);

@@ -114,7 +114,7 @@ TEST_F(SettingsWindowTest, LooksAsDesigned) {
 
 TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
   open([&] {
-    const platform::NSString title = platform::NSString::utf8("Save (Ctrl+S)");
+    const platform::NSString title = platform::NSString("Save (Ctrl+S)");
     const auto stranger =
         platform::NSButton::checkboxWithTitle(title, nullptr, platform::selectorNamed<"toggleMapping:">());
     const id controller = window().delegate;
