@@ -30,15 +30,17 @@ void drawWallpaper(Svg& svg, CGSize page) {
 /// From the back to the front.
 void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
   const AppKit& appKit = desktop.appKit;
-  const bool hasKeyWindow =
-      desktop.applications.frontmost.get() == desktop.applications.tarnwick.get() && appKit.frontModal() == nullptr;
+  const Object* const modal = appKit.frontModal();
+  const bool isFrontmost = desktop.applications.frontmost.get() == desktop.applications.tarnwick.get();
   for (Window* window : appKit.windows) {
     window->layOut();
-    drawWindow(svg, *window, screen, hasKeyWindow && window == appKit.frontWindow());
+    svg.isLive = modal == nullptr && window == appKit.frontWindow();
+    drawWindow(svg, *window, screen, isFrontmost && svg.isLive);
   }
-  for (const ModalSession* modal : appKit.modalSessions) {
-    if (const auto* alert = ifIs<Alert>(modal->shown)) drawAlert(svg, *alert, screen);
-    if (const auto* panel = ifIs<OpenPanel>(modal->shown)) drawOpenPanel(svg, *panel, screen);
+  for (const ModalSession* session : appKit.modalSessions) {
+    svg.isLive = session->shown == modal;
+    if (const auto* alert = ifIs<Alert>(session->shown)) drawAlert(svg, *alert, screen);
+    if (const auto* panel = ifIs<OpenPanel>(session->shown)) drawOpenPanel(svg, *panel, screen);
   }
 }
 
@@ -50,6 +52,7 @@ std::string drawScreen(const Desktop& desktop, const MenuBarState& menuBar) {
   Svg svg(page);
   drawWallpaper(svg, page);
   if (!desktop.appKit.isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.appKit.screen});
+  svg.isLive = desktop.appKit.frontModal() == nullptr;
   drawMenuBar(svg, desktop, page.width, menuBar);
   return std::move(svg).finished();
 }

@@ -16,6 +16,11 @@ struct MenuBarState {
 
 /// The screen as SVG: the menu bar, and below it the windows and alerts. Gives the views of windows their frames first,
 /// as the platform does before it draws.
+///
+/// Groups say in `data-` attributes what they are to the user, for pages in which visitors act on the picture: who is
+/// in front (`front`), what things stand in (`window`, `menu`, `alert`, `panel`), what to click on (`status`, `entry`,
+/// `button`, `checkbox`, `close`, `cancel`, and by its path what to `choose`), and how far things move to the end of
+/// what can be scrolled (`scroll`, `travel`).
 std::string drawScreen(const Desktop& desktop, const MenuBarState& menuBar);
 
 } // namespace desktop

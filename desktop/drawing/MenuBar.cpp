@@ -46,6 +46,7 @@ public:
   }
 
   void draw(Svg& svg) const {
+    const Group menu(svg, svg.mark("menu", u"Tarnwick"));
     drawPanel(svg, frame, 6, "menu");
     CGRect row{{frame.origin.x + inset, frame.origin.y + padding}, {frame.size.width - 2 * inset, 0}};
     for (const auto& item : items) {
@@ -66,6 +67,9 @@ private:
       svg.rectangle({{row.origin.x, row.origin.y + 5}, {row.size.width, 1}}, 0, "separator");
       return;
     }
+    const CGRect whole{{row.origin.x - inset, row.origin.y}, {row.size.width + 2 * inset, row.size.height}};
+    std::optional<Target> entry;
+    if (item.enabled) entry.emplace(svg, "entry", unitsOf(item.title.get()), whole);
     svg.text(unitsOf(item.title.get()), {row.origin.x, middleY(row)}, plainFace,
              item.enabled ? "label" : "disabledLabel");
     svg.textEndingAt(keyText(item.keyEquivalent.get()), {row.origin.x + row.size.width, middleY(row)}, plainFace,
@@ -83,6 +87,7 @@ double widthOf(const StatusItem& item) {
 }
 
 void drawStatusItem(Svg& svg, const StatusItem& item, CGRect frame, bool isOpen) {
+  const Target status(svg, "status", u"Tarnwick", frame);
   if (isOpen) svg.rectangle(insetBy(frame, 1), 4, "barMark");
   const Button& button = *item.itsButton;
   if (!button.image) {
@@ -146,6 +151,9 @@ void drawApplicationMenus(Svg& svg, const std::string& application, double room)
 } // namespace
 
 void drawMenuBar(Svg& svg, const Desktop& desktop, double width, const MenuBarState& state) {
+  const auto* const front = desktop.applications.frontmost.get();
+  const std::u16string name = front != nullptr ? utf16(front->name).value_or(u"") : u"";
+  const Group bar(svg, front != nullptr ? dataAttribute("front", name) : "");
   svg.rectangle({{0, 0}, {width, menuBarHeight}}, 0, "menuBar");
   const double free = drawRightHalf(svg, desktop, width, state.menuIsOpen);
   drawSystemMenu(svg);

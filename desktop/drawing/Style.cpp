@@ -63,7 +63,8 @@ constexpr auto shapes =
     ".line{fill:none;stroke-width:1}\n"
     ".hairline{fill:none;stroke-width:.5}\n"
     ".mark{fill:none;stroke-width:1.9;stroke-linecap:round;stroke-linejoin:round}\n"
-    ".hollow{fill-rule:evenodd}\n";
+    ".hollow{fill-rule:evenodd}\n"
+    ".target{fill:none;pointer-events:all}\n";
 
 constexpr auto wallpaper = "<linearGradient id=\"sky\" x2=\"0.25\" y2=\"1\"><stop class=\"skyTop\"/>"
                            "<stop offset=\".6\" class=\"skyMiddle\"/><stop offset=\"1\" class=\"skyBottom\"/>"

@@ -40,6 +40,17 @@ std::string svgNumber(double number) {
   return text;
 }
 
+std::string dataAttribute(const char* name, std::u16string_view value) {
+  std::string quoted;
+  for (const char byte : xmlScalars::escapedText(value))
+    byte == '"' ? quoted += "&quot;" : quoted += byte;
+  return " data-" + std::string(name) + "=\"" + quoted + '"';
+}
+
+std::string dataAttribute(const char* name, double value) {
+  return " data-" + std::string(name) + "=\"" + svgNumber(value) + '"';
+}
+
 CGRect insetBy(CGRect rect, double distance) {
   return {{rect.origin.x + distance, rect.origin.y + distance},
           {rect.size.width - 2 * distance, rect.size.height - 2 * distance}};
@@ -133,12 +144,20 @@ std::string Svg::newName() {
   return "part" + std::to_string(++names);
 }
 
-Group::Group(Svg& picture, const std::string& attributes) : svg(picture) {
-  svg.code += "<g" + attributes + ">\n";
+std::string Svg::mark(const char* kind, std::u16string_view name) const {
+  return isLive ? dataAttribute(kind, name) : "";
+}
+
+Group::Group(Svg& picture, const std::string& attributes) : svg(picture), hasElement(!attributes.empty()) {
+  if (hasElement) svg.code += "<g" + attributes + ">\n";
 }
 
 Group::~Group() {
-  svg.code += "</g>\n";
+  if (hasElement) svg.code += "</g>\n";
+}
+
+Target::Target(Svg& svg, const char* kind, std::u16string_view name, CGRect frame) : group(svg, svg.mark(kind, name)) {
+  if (svg.isLive) svg.rectangle(frame, 0, "target");
 }
 
 } // namespace desktop

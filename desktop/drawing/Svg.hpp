@@ -14,6 +14,9 @@ namespace desktop {
 
 /// Short, and the same everywhere: two decimals at most.
 std::string svgNumber(double number);
+// The attribute ` data-NAME="VALUE"` of a group, for programs that show the picture: what it is about.
+std::string dataAttribute(const char* name, std::u16string_view value);
+std::string dataAttribute(const char* name, double value);
 
 CGRect insetBy(CGRect rect, double distance);
 double middleX(CGRect rect);
@@ -42,6 +45,13 @@ public:
   std::string clip(CGRect rect, double radius);
   std::string shadow(CGSize offset, double radius, double opacity);
 
+  /// Nothing lies over what is drawn now: the user can act on it.
+  bool isLive = false;
+  /// The attribute of a group that is a part of the screen to the user, for pages that show the picture and let their
+  /// visitors act on it. It says what the part is and what it is called: ` data-checkbox="Bold (Ctrl+B)"`. None where
+  /// the user cannot act.
+  std::string mark(const char* kind, std::u16string_view name) const;
+
   /// The whole picture. Nothing can be drawn afterwards.
   std::string finished() &&;
 
@@ -54,7 +64,7 @@ private:
   int names = 0;
 };
 
-/// What is drawn while it lives belongs to a group with these attributes.
+/// What is drawn while it lives belongs to a group with these attributes; without any there is no group.
 class Group {
 public:
   Group(Svg& picture, const std::string& attributes);
@@ -64,6 +74,16 @@ public:
 
 private:
   Svg& svg;
+  bool hasElement;
+};
+
+/// A marked group on which the user acts by a click anywhere in its frame.
+class Target {
+public:
+  Target(Svg& svg, const char* kind, std::u16string_view name, CGRect frame);
+
+private:
+  Group group;
 };
 
 } // namespace desktop

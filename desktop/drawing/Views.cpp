@@ -7,20 +7,11 @@
 namespace desktop {
 namespace {
 
-/// One window's content on its way to the page.
-struct Content {
-  Svg& svg;
-  /// Its top left corner.
-  CGPoint origin;
-  /// What lies outside is not seen.
-  double top;
-  double bottom;
-};
-
-CGRect frameOnPage(const Content& content, View& view) {
+/// Where a view stands on the page, when the content of its window begins at `origin`.
+CGRect frameOnPage(CGPoint origin, View& view) {
   CGRect frame = frameFromTop(view);
-  frame.origin.x += content.origin.x;
-  frame.origin.y += content.origin.y;
+  frame.origin.x += origin.x;
+  frame.origin.y += origin.y;
   return frame;
 }
 
@@ -72,6 +63,7 @@ void drawInlineButton(Svg& svg, const Button& button, CGRect frame) {
 }
 
 void drawButton(Svg& svg, const Button& button, CGRect frame) {
+  const Target target(svg, button.isCheckbox() ? "checkbox" : "button", unitsOf(button.title.get()), frame);
   if (button.isCheckbox()) return drawCheckbox(svg, button, frame);
   if (button.bezelStyle == Button::inlineBezel) return drawInlineButton(svg, button, frame);
   drawPushButton(svg, frame, button.title.get(), false);
@@ -87,43 +79,24 @@ void drawItself(Svg& svg, View& view, CGRect frame) {
   }
 }
 
-/// Its length says how much of the document is seen; it lies over the content.
+/// How much of a scroll view's document is out of sight.
+double hiddenHeight(const ScrollView& scroll) {
+  const double document = scroll.document != nullptr ? scroll.document->frame.size.height : 0;
+  return std::max(0.0, document - scroll.frame.size.height);
+}
+
+/// Its length says how much of the document is seen; it lies over the content. It is drawn at its beginning, and
+/// `data-travel` says how far it is from there to its end.
 void drawScroller(Svg& svg, const ScrollView& scroll, CGRect frame) {
   constexpr double width = 7;
   constexpr double margin = 3;
-  const double document = scroll.document != nullptr ? scroll.document->frame.size.height : 0;
-  const double visible = frame.size.height;
-  if (!scroll.hasVerticalScroller || document <= visible) return;
-  const double track = visible - 2 * margin;
-  svg.rectangle({{frame.origin.x + frame.size.width - width - margin, frame.origin.y + margin},
-                 {width, std::max(2 * width, track * visible / document)}},
+  const double hidden = hiddenHeight(scroll);
+  if (!scroll.hasVerticalScroller || hidden <= 0) return;
+  const double track = frame.size.height - 2 * margin;
+  const double length = std::max(2 * width, track * frame.size.height / (frame.size.height + hidden));
+  const Group scroller(svg, dataAttribute("travel", track - length));
+  svg.rectangle({{frame.origin.x + frame.size.width - width - margin, frame.origin.y + margin}, {width, length}},
                 width / 2, "scroller");
-}
-
-void draw(const Content& content, View& view) {
-  Svg& svg = content.svg;
-  const CGRect frame = frameOnPage(content, view);
-  const bool isSeen = frame.origin.y < content.bottom && frame.origin.y + frame.size.height > content.top;
-  std::optional<Group> shadow;
-  std::optional<Group> mask;
-  if (const Layer* layer = view.layer(); layer != nullptr && isSeen) {
-    const bool hasShadow = layer->shadowColor != nullptr && layer->shadowOpacity > 0;
-    const CGSize downwards = {layer->shadowOffset.width, -layer->shadowOffset.height};
-    if (hasShadow) shadow.emplace(svg, svg.shadow(downwards, layer->shadowRadius, layer->shadowOpacity));
-    if (layer->masksToBounds) mask.emplace(svg, svg.clip(frame, layer->cornerRadius));
-  }
-  if (isSeen) drawItself(svg, view, frame);
-
-  Content inside = content;
-  const auto* const scroll = ifIs<ScrollView>(&view);
-  if (scroll != nullptr) {
-    mask.emplace(svg, svg.clip(frame, 0));
-    inside.top = std::max(content.top, frame.origin.y);
-    inside.bottom = std::min(content.bottom, frame.origin.y + frame.size.height);
-  }
-  for (const auto& subview : view.subviews)
-    draw(inside, *subview);
-  if (scroll != nullptr) drawScroller(svg, *scroll, frame);
 }
 
 } // namespace
@@ -139,7 +112,28 @@ void drawPushButton(Svg& svg, CGRect frame, const String* title, bool isDefault)
 }
 
 void drawView(Svg& svg, View& view, CGPoint origin) {
-  draw({svg, origin, origin.y, origin.y + view.frame.size.height}, view);
+  const CGRect frame = frameOnPage(origin, view);
+  std::optional<Group> shadow;
+  std::optional<Group> mask;
+  if (const Layer* layer = view.layer(); layer != nullptr) {
+    const bool hasShadow = layer->shadowColor != nullptr && layer->shadowOpacity > 0;
+    const CGSize downwards = {layer->shadowOffset.width, -layer->shadowOffset.height};
+    if (hasShadow) shadow.emplace(svg, svg.shadow(downwards, layer->shadowRadius, layer->shadowOpacity));
+    if (layer->masksToBounds) mask.emplace(svg, svg.clip(frame, layer->cornerRadius));
+  }
+  drawItself(svg, view, frame);
+
+  const auto* const scroll = ifIs<ScrollView>(&view);
+  std::optional<Group> document;
+  if (scroll != nullptr) {
+    mask.emplace(svg, svg.clip(frame, 0));
+    // Drawn whole: `data-scroll` says how far it is to its end, for those who can move it.
+    document.emplace(svg, dataAttribute("scroll", hiddenHeight(*scroll)));
+  }
+  for (const auto& subview : view.subviews)
+    drawView(svg, *subview, origin);
+  document.reset();
+  if (scroll != nullptr) drawScroller(svg, *scroll, frame);
 }
 
 } // namespace desktop

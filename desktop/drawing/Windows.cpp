@@ -30,6 +30,9 @@ void drawTrafficLights(Svg& svg, const Window& window, CGRect bar, bool isActive
   constexpr Light lights[] = {{2, "closeLight"}, {4, "miniaturizeLight"}, {Window::resizable, "zoomLight"}};
   CGPoint centre{bar.origin.x + 14, middleY(bar)};
   for (const Light& light : lights) {
+    std::optional<Target> close;
+    if (&light == lights)
+      close.emplace(svg, "close", unitsOf(window.title.get()), CGRect{{centre.x - 7, centre.y - 7}, {14, 14}});
     const bool isLit = isActive && (window.styleMask & light.needs) != 0;
     svg.circle(centre, 6, isLit ? light.classes : "noLight");
     svg.circle(centre, 5.75, "hairline lightEdge");
@@ -81,6 +84,7 @@ public:
     const double each = isRow ? (width - buttonGap) / 2 : width;
     CGRect frame{{origin.x + width - each, origin.y}, {each, height}};
     for (const auto& button : buttons) {
+      const Target target(svg, "button", unitsOf(button->title.get()), frame);
       drawPushButton(svg, frame, button->title.get(), button.get() == buttons.front().get());
       if (isRow) {
         frame.origin.x -= each + buttonGap;
@@ -123,6 +127,7 @@ void drawPanelButtons(Svg& svg, const OpenPanel& panel, CGRect bar) {
   CGRect frame{{bar.origin.x + bar.size.width - width - 16, middleY(bar) - height / 2}, {width, height}};
   drawPushButton(svg, frame, open.get(), true);
   frame.origin.x -= width + buttonGap;
+  const Target target(svg, "cancel", unitsOf(cancel.get()), frame);
   drawPushButton(svg, frame, cancel.get(), false);
 }
 
@@ -141,6 +146,7 @@ void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive) {
   CGRect frame = window.frame;
   frame.origin = rounded(
       {screen.origin.x + frame.origin.x, screen.origin.y + screen.size.height - frame.origin.y - frame.size.height});
+  const Group whole(svg, svg.mark("window", unitsOf(window.title.get())));
   drawPanel(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   CGPoint content = frame.origin;
@@ -167,6 +173,7 @@ void drawAlert(Svg& svg, const Alert& alert, CGRect screen) {
   const double texts = paragraphHeight(alert.message.get(), room, boldFace) + 8 +
                        paragraphHeight(alert.informative.get(), room, smallFace) + 18;
   const CGRect frame = centredOn(screen, {width, icon + texts + buttons.totalHeight() + margin});
+  const Group whole(svg, svg.mark("alert", unitsOf(alert.message.get())));
   drawPanel(svg, frame, windowRadius, "window");
 
   const auto picture = Image::applicationIcon();
@@ -184,6 +191,7 @@ void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen) {
   const CGSize size{std::clamp(screen.size.width - 2 * margin, 420.0, 720.0),
                     std::clamp(screen.size.height - 2 * margin, 260.0, 440.0)};
   const CGRect frame = centredOn(screen, size);
+  const Group whole(svg, svg.mark("panel", unitsOf(panel.title.get())));
   drawPanel(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   drawTitleBar(svg, topOf(frame, Window::titleBarHeight), panel.title.get(), true);

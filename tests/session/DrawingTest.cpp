@@ -87,16 +87,20 @@ TEST_F(DrawingTest, LongIdentifiersAreShortenedAndTheirButtonsAreNot) {
   EXPECT_LE(button.x + button.width, std::stod(window.front()[1]) + 500 - 20);
 }
 
-TEST_F(DrawingTest, WhatIsScrolledAwayIsNotDrawn) {
+TEST_F(DrawingTest, WhatIsScrolledAwayIsCutOff) {
   play("screen 800 600\nmenu Settings…\ndraw " + file("low") + "\nscreen 800 1100\nresize 612 900\ndraw " +
        file("high"));
   const std::string low = drawn("low");
-  EXPECT_TRUE(has(low, "width=\"612\" height=\"500\"/></clipPath>"));
   EXPECT_TRUE(has(low, "class=\"scroller\""));
-  EXPECT_TRUE(shows(low, "Bold (Ctrl+B)"));
-  EXPECT_FALSE(shows(low, "Version 1.0.0"));
+  const auto clip = matchesIn(low, "y=\"([^\"]+)\" width=\"612\" height=\"500\"/></clipPath>");
+  const auto hidden = matchesIn(low, "data-scroll=\"([^\"]+)\"");
+  ASSERT_EQ(clip.size() * hidden.size(), 1U);
+  const double end = std::stod(clip[0][1]) + 500;
+  const double version = textWith(low, "Version 1.0.0").y;
+  EXPECT_GT(version, end);
+  EXPECT_LT(version - std::stod(hidden[0][1]), end);
   EXPECT_FALSE(has(drawn("high"), "class=\"scroller\""));
-  EXPECT_TRUE(shows(drawn("high"), "Version 1.0.0"));
+  EXPECT_TRUE(has(drawn("high"), "data-scroll=\"0\""));
 }
 
 TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactive) {
@@ -115,6 +119,27 @@ TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactive) {
   EXPECT_TRUE(isOverWindow(drawn("alert"), ">Move selected item to Bin?<"));
   EXPECT_LT(textWith(drawn("alert"), "Cancel").x, textWith(drawn("alert"), "Move to Bin").x)
       << "the first button is the right one";
+}
+
+TEST_F(DrawingTest, OnlyWhatNothingLiesOverIsMarked) {
+  play("menu Settings…\nshow menu\ndraw " + file("window") + "\nclick \"Choose App…\"\ndraw " + file("panel") +
+       "\ncancel\nfront Finder\npress forwarddelete\ndraw " + file("alert"));
+  const auto marks = [&](const char* name) {
+    std::set<std::string> found;
+    for (const auto& match : matchesIn(drawn(name), "<g data-(?!scroll|travel)([^>]+)>"))
+      found.insert(match[1]);
+    return found;
+  };
+  const auto window = marks("window");
+  for (const char* mark : {"front=\"Tarnwick\"", "window=\"Tarnwick Settings\"", "close=\"Tarnwick Settings\"",
+                           "checkbox=\"Swap @ and &quot;\"", "button=\"Open Login Items\"", "status=\"Tarnwick\"",
+                           "menu=\"Tarnwick\"", "entry=\"Quit Tarnwick\""})
+    EXPECT_EQ(window.count(mark), 1U) << mark;
+  EXPECT_EQ(window.count("entry=\"Check for Updates...\""), 0U) << "a disabled one";
+  EXPECT_EQ(marks("panel"), (std::set<std::string>{"front=\"Tarnwick\"", "panel=\"Choose Application to Exempt\"",
+                                                   "cancel=\"Cancel\""}));
+  EXPECT_EQ(marks("alert"), (std::set<std::string>{"front=\"Finder\"", "alert=\"Move selected item to Bin?\"",
+                                                   "button=\"Move to Bin\"", "button=\"Cancel\""}));
 }
 
 TEST_F(DrawingTest, TheMenuIsOpenUntilTheUserGoesOn) {
