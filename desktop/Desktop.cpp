@@ -16,7 +16,11 @@ RunningApplication& Desktop::start(const std::string& name, const std::string& i
   RunningApplication& application = applications.start(name, identifier);
   if (name == "Editor") application.role = "AXTextArea";
   if (name == "Finder") application.role = "AXList";
-  if (identifier == "com.apple.finder") application.reaction = finderReaction;
+  if (identifier == "com.apple.finder") {
+    application.reaction = finderReaction;
+  } else {
+    installed["/Applications/" + name + ".app"] = identifier;
+  }
   return application;
 }
 

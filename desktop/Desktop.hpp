@@ -33,6 +33,7 @@ public:
   RunLoop runLoop;
   MainQueue queue;
   MainBundle mainBundle;
+  InstalledBundles installed;
   StandardDefaults defaults;
   Applications applications;
   WindowServer server;
@@ -43,7 +44,8 @@ public:
   Desktop();
   ~Desktop();
 
-  /// The user starts an application, without a bundle identifier when that is empty. The Finder reacts to keys.
+  /// The user starts an application, without a bundle identifier when that is empty. The Finder reacts to keys and lies
+  /// in a folder of the system's; others are found in /Applications from then on.
   RunningApplication& start(const std::string& name, const std::string& identifier);
 };
 

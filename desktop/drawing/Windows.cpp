@@ -119,6 +119,23 @@ void drawPanelTools(Svg& svg, const OpenPanel& panel, CGRect bar) {
   svg.text(u"Search", {search.origin.x + 10, middleY(search)}, {}, "secondaryLabel");
 }
 
+/// The applications in the folder that is shown.
+void drawPanelList(Svg& svg, const OpenPanel& panel, CGRect list) {
+  svg.rectangle(list, 0, "well");
+  svg.rectangle(topOf(list, 1), 0, "separator");
+  const auto icon = create<Image>();
+  CGRect row = topOf(insetBy(list, 8), 24);
+  for (const auto& [path, identifier] : InstalledBundles::current()) {
+    const std::filesystem::path file = path;
+    if (!panel.directory || file.parent_path() != panel.directory->path) continue;
+    if (row.origin.y + row.size.height > list.origin.y + list.size.height) return;
+    const Target target(svg, "choose", utf16(path).value_or(u""), row);
+    drawImage(svg, *icon, {{row.origin.x, row.origin.y}, {row.size.height, row.size.height}}, "label");
+    svg.text(utf16(file.stem().string()).value_or(u""), {row.origin.x + 30, middleY(row)}, {}, "label");
+    row.origin.y += row.size.height;
+  }
+}
+
 void drawPanelButtons(Svg& svg, const OpenPanel& panel, CGRect bar) {
   constexpr double width = 120;
   constexpr double height = 22;
@@ -206,8 +223,7 @@ void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen) {
   CGRect list = strip;
   list.origin.y += toolsHeight;
   list.size.height = frame.origin.y + size.height - buttonsHeight - list.origin.y;
-  svg.rectangle(list, 0, "well");
-  svg.rectangle(topOf(list, 1), 0, "separator");
+  drawPanelList(svg, panel, list);
   strip.origin.y = list.origin.y + list.size.height;
   strip.size.height = buttonsHeight;
   svg.rectangle(topOf(strip, 1), 0, "separator");

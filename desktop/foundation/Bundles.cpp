@@ -77,12 +77,17 @@ Ref<URL> fileURL(const std::string& path) {
 
 Bundle* Bundle::initWithURL(URL* url) {
   std::error_code error;
-  if (!std::filesystem::is_directory(url->path, error)) {
-    release(this);
-    return nullptr;
+  if (std::filesystem::is_directory(url->path, error)) {
+    open(url->path);
+    return this;
   }
-  open(url->path);
-  return this;
+  const auto& installed = InstalledBundles::current();
+  if (const auto found = installed.find(url->path); found != installed.end()) {
+    if (const auto text = utf16(found->second); text && !text->empty()) identifier = string(*text);
+    return this;
+  }
+  release(this);
+  return nullptr;
 }
 
 void Bundle::open(const std::filesystem::path& path) {

@@ -45,6 +45,10 @@ struct MainBundle : Part<MainBundle>, Ref<Bundle> {
   MainBundle();
 };
 
+/// The bundles of applications that have been started, which have no folder here: their identifiers by the path that
+/// they have on the machine, `/Applications/Mail.app`. Empty where an application has none.
+struct InstalledBundles : Part<InstalledBundles>, std::map<std::string, std::string> {};
+
 /// From now on loading a bundle whose executable names this class calls `registerClass`.
 void addLoadableClass(const std::string& name, void (*registerClass)());
 

@@ -137,7 +137,7 @@ TEST_F(DrawingTest, OnlyWhatNothingLiesOverIsMarked) {
     EXPECT_EQ(window.count(mark), 1U) << mark;
   EXPECT_EQ(window.count("entry=\"Check for Updates...\""), 0U) << "a disabled one";
   EXPECT_EQ(marks("panel"), (std::set<std::string>{"front=\"Tarnwick\"", "panel=\"Choose Application to Exempt\"",
-                                                   "cancel=\"Cancel\""}));
+                                                   "choose=\"/Applications/Editor.app\"", "cancel=\"Cancel\""}));
   EXPECT_EQ(marks("alert"), (std::set<std::string>{"front=\"Finder\"", "alert=\"Move selected item to Bin?\"",
                                                    "button=\"Move to Bin\"", "button=\"Cancel\""}));
 }

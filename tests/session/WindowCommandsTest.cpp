@@ -41,6 +41,15 @@ TEST(WindowCommands, ACheckboxChangesWhenItIsClickedAndTheUserKeepsTheirSize) {
             "window\tTarnwick Settings\t460\t600.5\nfront\tTarnwick\nterminate\n");
 }
 
+TEST(WindowCommands, WhatHasBeenStartedCanBeChosen) {
+  EXPECT_EQ(from("default", TestDesktop().play({"app Mail com.example.mail\napp Plain\nend Mail\nmenu Settings…\n"
+                                                "click \"Choose App…\"\nchoose /Applications/Mail.app\n"
+                                                "click \"Choose App…\"\nchoose /Applications/Plain.app\n"
+                                                "click \"Choose App…\"\nchoose /Applications/Finder.app\n"
+                                                "show defaults"})),
+            "default\texemptBundleIDs\tcom.example.mail\nterminate\n");
+}
+
 TEST(WindowCommands, AnAlertMayStandInFrontOfAPanel) {
   EXPECT_EQ(from("panel", TestDesktop().play({"menu Settings…\nclick \"Choose App…\"\nquit\nclose\nresize 500 500\n"
                                               "menu Settings…\nclick \"Choose App…\"\nshow alert\n"
