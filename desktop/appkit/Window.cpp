@@ -18,8 +18,10 @@ Window::~Window() {
   std::erase(AppKit::current().windows, this);
 }
 
-Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger /*backing*/, BOOL /*defer*/) {
+Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger backing, BOOL defer) {
   styleMask = style;
+  backingStore = backing;
+  isDeferred = defer;
   frame = {rect.origin, {rect.size.width, rect.size.height + barHeight()}};
   itsContentView = create<View>();
   itsContentView->frame.size = rect.size;

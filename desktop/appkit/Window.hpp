@@ -21,6 +21,8 @@ struct Window : Object {
 
   Ref<String> title;
   NSUInteger styleMask = 0;
+  NSUInteger backingStore = 0;
+  BOOL isDeferred = false;
   /// On the screen, y upwards; the title bar is part of it.
   CGRect frame{};
   CGSize itsMinSize{};

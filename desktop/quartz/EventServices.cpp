@@ -149,6 +149,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
 
 void CGEventTapEnable(CFMachPortRef tap, bool enable) {
   if (enable && !objectBehind<EventTap>(tap)->scheduled) stop("a tap is enabled once it is on a run loop");
+  if (!enable && objectBehind<EventTap>(tap)->scheduled) stop("a tap is disabled once it has left its run loop");
   objectBehind<EventTap>(tap)->enabled = enable;
   objectBehind<EventTap>(tap)->asked = enable;
 }

@@ -72,11 +72,12 @@ TEST_F(ExemptionsTest, AreSortedByCodePointAfterComposition) {
       u"com.f",
       u"com.e\u0301", // sorts as U+00E9
       u"com.\u00E9a",
-      u"com.\uD7FB", // the last before the surrogates
+      u"com.\uD7FF", // the last before the surrogates
       u"com.\uE000", // the first behind them
       u"com.\uFFFD",
       u"com.\U00010000", // above U+FFFF, though its units are below U+FFFD
-      u"com.\U0010FFFD",
+      u"com.\U0010FFFE",
+      u"com.\U0010FFFF",
   };
   Texts shuffled(inOrder.rbegin(), inOrder.rend());
   PropertyList::Array array(shuffled.begin(), shuffled.end());

@@ -61,12 +61,5 @@ TEST(WindowCommands, AnAlertMayStandInFrontOfAPanel) {
             "lost\tcancel\nanswer\tCancel\nanswer\t-\nterminate\n");
 }
 
-TEST(WindowCommands, AtTheEndOfTheInputAlertsAndPanelsEndUnanswered) {
-  TestDesktop desktop;
-  EXPECT_EQ(from("panel", desktop.play({"menu Settings…\nclick \"Choose App…\""})),
-            "panel\tChoose Application to Exempt\nterminate\n");
-  EXPECT_EQ(desktop.machine.defaults->file->value(u"exemptBundleIDs"), nullptr);
-}
-
 } // namespace
 } // namespace desktop

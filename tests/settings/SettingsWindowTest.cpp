@@ -42,6 +42,8 @@ TEST_F(SettingsWindowTest, LooksAsDesigned) {
   open([&] {
     EXPECT_EQ(window().styleMask, platform::NSWindowStyleMaskTitled | platform::NSWindowStyleMaskClosable |
                                       platform::NSWindowStyleMaskResizable);
+    EXPECT_EQ(window().backingStore, platform::NSBackingStoreBuffered);
+    EXPECT_FALSE(window().isDeferred);
     EXPECT_EQ(window().minSize().width, 460);
     EXPECT_EQ(window().minSize().height, 500);
 
@@ -102,10 +104,15 @@ TEST_F(SettingsWindowTest, LooksAsDesigned) {
     }
     EXPECT_EQ(headings, "General Shortcuts\nText Editing\nSystem\nFinder\nApp Exemptions\n");
 
+    const auto isAsHighAsItsRow = [](const View& view) {
+      return view.frame.size.height == view.superview->frame.size.height;
+    };
+    EXPECT_TRUE(isAsHighAsItsRow(*all<StackView>()[4])) << "the footer";
     for (const Button* button : all<Button>()) {
       const bool isLink = textOf(button->title.get()) == "About Tarnwick";
       EXPECT_EQ(button->bezelStyle == platform::NSBezelStyleInline, isLink);
       EXPECT_EQ(button->tint != nullptr && button->tint->ink == Color::Ink::Label, isLink);
+      EXPECT_TRUE(!isLink || isAsHighAsItsRow(*button));
     }
     for (const Box* box : all<Box>())
       EXPECT_EQ(box->type, platform::NSBoxSeparator);
@@ -186,24 +193,30 @@ TEST_F(SettingsWindowTest, OpensWithThePlatformsIconInsteadOfItsOwn) {
   });
 }
 
-TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEachTime) {
+TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEachTimeBeforeItShows) {
   PropertyList::Array exempt;
   for (const char16_t letter : std::u16string(u"abcdefghijklmnopqrst"))
     exempt.emplace_back(std::u16string(1, letter));
   desktop.store(u"exemptBundleIDs", exempt);
-  double x = 0;
+  std::vector<double> shownAt;
+  machine.journal = [&](const Fact& fact) {
+    if (fact.front() == "window") shownAt.push_back(window().frame.origin.x);
+  };
   desktop.play({"screen none\n menu Settings…",
                 [&] {
                   EXPECT_EQ(window().contentSize().height, documentHeight()) << "with its list in it";
                   EXPECT_GT(documentHeight(), 780);
-                  x = window().frame.origin.x;
                 },
                 "screen 1000 700\n menu Settings…",
                 [&] {
                   EXPECT_EQ(window().contentSize().height, documentHeight()) << "measured once";
-                  EXPECT_NE(window().frame.origin.x, x);
-                  EXPECT_EQ(window().frame.origin.x, (1000 - window().frame.size.width) / 2);
+                  EXPECT_EQ(shownAt.back(), (1000 - window().frame.size.width) / 2);
                 }});
+}
+
+TEST_F(SettingsWindowTest, IsNeverSmallerThanItsMinimum) {
+  EXPECT_NE(desktop.play({"screen 400 300\n menu Settings…"}).find("window\tTarnwick Settings\t460\t500\n"),
+            std::string::npos);
 }
 
 TEST_F(SettingsWindowTest, MeasuresItsDocumentWheneverTheListOrTheWindowChanges) {
