@@ -1,20 +1,36 @@
 """Packs a bundle into a zip file that keeps permissions and links, and is the same for the same bundle."""
 import os
 import stat
+import time
 import zipfile
+import zlib
 from pathlib import Path
 
-NEVER = (1980, 1, 1, 0, 0, 0)  # the zip format's first moment: the bundle's content alone makes the archive
+from macos import macho
+
 UNIX = 3
+PLAIN, RUNNABLE = 0o644, 0o755  # all may read, and may run what is a program
+EARLIEST = 315532800  # 1980, where the zip format's time begins
 
 
-def normalise_modes(bundle):
-    """Permissions that do not depend on who built: all may read, and may run what is run."""
-    for folder, folders, names in os.walk(bundle):
-        for path in [Path(folder), *(Path(folder) / name for name in names)]:
-            if not path.is_symlink():
-                runs = path.is_dir() or path.parent.name == "MacOS" or path.stat().st_mode & stat.S_IXUSR
-                path.chmod(0o755 if runs else 0o644)
+class ArchiveError(Exception):
+    """The archive cannot be read; the text names it."""
+
+
+def expected_mode(path):
+    """The permissions that a file or folder of a bundle has."""
+    if path.is_dir():
+        return RUNNABLE
+    with path.open("rb") as file:
+        return RUNNABLE if macho.is_macho(file.read(4)) else PLAIN
+
+
+def normalise(bundle, moment):
+    """Permissions and dates that do not depend on who built when."""
+    for path in entries(bundle):
+        if not path.is_symlink():
+            path.chmod(expected_mode(path))
+        os.utime(path, (moment, moment), follow_symlinks=False)
 
 
 def entries(bundle):
@@ -25,19 +41,57 @@ def entries(bundle):
     return sorted(paths)
 
 
+def content(path):
+    """What the archive holds of a file, a link or a folder."""
+    if path.is_symlink():
+        return os.readlink(path).encode()
+    return b"" if path.is_dir() else path.read_bytes()
+
+
+def packed_name(bundle, path):
+    """The name in the archive: below the bundle's own, and with a slash at a folder's end."""
+    name = path.relative_to(bundle.parent).as_posix()
+    return name + "/" if path.is_dir() and not path.is_symlink() else name
+
+
 def write(bundle, target):
     """Packs the bundle under its own name."""
     with zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as package:
         for path in entries(bundle):
-            mode = path.lstat().st_mode
-            name = path.relative_to(bundle.parent).as_posix()
-            entry = zipfile.ZipInfo(name + "/" if stat.S_ISDIR(mode) else name, NEVER)
+            status = path.lstat()
+            entry = zipfile.ZipInfo(packed_name(bundle, path), time.gmtime(max(status.st_mtime, EARLIEST))[:6])
             entry.create_system = UNIX
-            entry.external_attr = (0o120755 if stat.S_ISLNK(mode) else mode) << 16
-            if stat.S_ISDIR(mode):
+            entry.external_attr = (stat.S_IFLNK | RUNNABLE if path.is_symlink() else status.st_mode) << 16
+            if entry.is_dir():
                 entry.external_attr |= 0x10  # the same for systems that know no permissions
-                content = b""
             else:
-                content = os.readlink(path).encode() if stat.S_ISLNK(mode) else path.read_bytes()
                 entry.compress_type = zipfile.ZIP_DEFLATED
-            package.writestr(entry, content)
+            package.writestr(entry, content(path))
+
+
+def compare(bundle, archive):
+    """Sentences for what the archive holds otherwise than the bundle: names, kinds, permissions, bytes."""
+    try:
+        with zipfile.ZipFile(archive) as package:
+            yield from compare_entries(bundle, package, archive.name)
+    except (OSError, EOFError, ValueError, RuntimeError, NotImplementedError, zipfile.BadZipFile, zlib.error) as error:
+        raise ArchiveError(f"{archive.name} cannot be unpacked: {error or type(error).__name__}") from None
+
+
+def compare_entries(bundle, package, archive):
+    """The same for an archive that is open."""
+    expected = {packed_name(bundle, path): path for path in entries(bundle)}
+    names = package.namelist()
+    for name in sorted({name for name in names if names.count(name) > 1}):
+        yield f"{archive} holds {name} twice"
+    for name in sorted(set(names) ^ set(expected)):
+        yield f"{archive} {'lacks' if name in expected else 'holds'} {name}"
+    for name in sorted(set(names) & set(expected)):
+        path, entry = expected[name], package.getinfo(name)
+        mode, wanted = entry.external_attr >> 16, path.lstat().st_mode
+        if stat.S_IFMT(mode) != stat.S_IFMT(wanted):
+            yield f"{archive} holds {name} as something else than the bundle does"
+        elif not path.is_symlink() and mode != wanted:
+            yield f"{archive} holds {name} with permissions {mode & 0o7777:o}, the bundle with {wanted & 0o7777:o}"
+        elif entry.file_size != len(content(path)) or package.read(entry) != content(path):
+            yield f"{archive} holds {name} with other content than the bundle"

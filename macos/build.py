@@ -9,9 +9,10 @@ import platform
 import shutil
 import subprocess
 import sys
+import tempfile
 from pathlib import Path
 
-from macos import archive, check, codesign, macho, sysroot, verify
+from macos import archive, check, codesign, information, macho, sysroot, verify
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent
@@ -55,8 +56,8 @@ def compile_all(output, options):
     for processor in PROCESSORS:
         folder = output / processor
         shutil.rmtree(folder / "Tarnwick.app", ignore_errors=True)  # nothing that an earlier build left is shipped
-        run("cmake", "-S", HERE, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", f"-DCMAKE_OSX_ARCHITECTURES={processor}",
-            *options)
+        run("cmake", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", f"-DCMAKE_OSX_ARCHITECTURES={processor}",
+            f"-DCMAKE_OSX_DEPLOYMENT_TARGET={sysroot.dotted(sysroot.OLDEST_SYSTEM)}", *options)
         run("cmake", "--build", folder, "--parallel", os.cpu_count() or 1)
         folders.append(folder)
     return folders
@@ -71,20 +72,38 @@ def assemble(bundle, folders, frameworks):
     program.write_bytes(macho.join([(folder / "Tarnwick").read_bytes() for folder in folders]))
     for framework in frameworks:
         shutil.copytree(framework, bundle / "Contents" / "Frameworks" / framework.name, symlinks=True)
-    archive.normalise_modes(bundle)
 
 
 def sign_with_apple(bundle, identity):
     """Signs what is nested first.
 
-    Only an identity brings the hardened runtime: with an ad-hoc signature it would refuse to load the update framework.
+    An identity's team may load what it signed itself; an ad-hoc program needs a right to load an ad-hoc framework.
     """
-    options = ["--force", "--preserve-metadata=entitlements", "--sign", identity or "-"]
+    options = ["--force", "--options", "runtime", "--sign", identity or "-"]
     if identity:
-        options += ["--options", "runtime", "--timestamp"]
-    for code in [*codesign.nested_deepest_first(bundle), bundle]:
-        run("codesign", *options, code)
+        options.append("--timestamp")
+    nested = codesign.nested_deepest_first(bundle)
+    for code in nested:
+        run("codesign", "--preserve-metadata=entitlements", *options, code)
+    with tempfile.NamedTemporaryFile(suffix=".plist") as rights:
+        if not identity and any(code.suffix == ".framework" for code in nested):
+            rights.write(codesign.entitlements())
+            rights.flush()
+            options += ["--entitlements", rights.name]
+        run("codesign", *options, bundle)
     run("codesign", "--verify", "--deep", "--strict", bundle)
+
+
+def moment_of_source():
+    """When the source was committed, so that its files are newer than those of an earlier version and the same wherever
+    it is built. SOURCE_DATE_EPOCH says it where there is no repository."""
+    told = os.environ.get("SOURCE_DATE_EPOCH")
+    if told is None:
+        asked = subprocess.run(["git", "log", "-1", "--format=%ct"], cwd=ROOT, capture_output=True, text=True, check=False)
+        told = asked.stdout.strip() or str(archive.EARLIEST)
+    if not told.isdecimal():
+        raise BuildError(f"SOURCE_DATE_EPOCH is {told!r}, not a number of seconds")
+    return int(told)
 
 
 def build(output, identity, frameworks):
@@ -92,6 +111,10 @@ def build(output, identity, frameworks):
     on_a_mac = platform.system() == "Darwin"
     if identity and not on_a_mac:
         raise BuildError("an identity can sign only on a Mac; without one the signature is ad hoc")
+    missing = information.placeholders(information.read(sysroot.INFORMATION))
+    if identity and missing:
+        raise BuildError(f"what is signed for others needs its addresses: fill in {' and '.join(missing)} in "
+                         f"bundle/{sysroot.INFORMATION.name}")
     for framework in frameworks:
         if not (framework / "Versions" / "Current").exists():
             raise BuildError(f"{framework} is not a framework")
@@ -101,7 +124,9 @@ def build(output, identity, frameworks):
         sign_with_apple(bundle, identity)
     else:
         codesign.sign(bundle)
-        for line in verify.verify_bundle(bundle)[1]:
+    archive.normalise(bundle, moment_of_source())
+    if not on_a_mac:
+        for line in verify.verify_application(bundle)[1]:
             print(line)
     archive.write(bundle, zipped)
     problems, lines = check.check_bundle(bundle, zipped, any_symbol=on_a_mac)
@@ -120,8 +145,8 @@ def main():
     options = parser.parse_args()
     try:
         build(options.output.resolve(), options.identity, options.framework)
-    except (BuildError, sysroot.SysrootError, codesign.SigningError, verify.VerificationError,
-            macho.MachOError, OSError) as error:
+    except (BuildError, sysroot.SysrootError, codesign.SigningError, verify.VerificationError, archive.ArchiveError,
+            information.InformationError, macho.MachOError, OSError) as error:
         print(f"./dev app: {error}", file=sys.stderr)
         return 1
     print(f"{options.output / 'Tarnwick.app'} and {options.output / 'Tarnwick.zip'} are ready")

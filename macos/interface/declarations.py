@@ -8,7 +8,7 @@ import re
 from macos.interface.facts import close_to
 from macos.interface.messages import cpp_code
 from macos.interface.program import Code, demangled, includes, template, text_of
-from macos.sysroot import OLDEST_SYSTEM
+from macos.sysroot import OLDEST_SYSTEM, dotted
 
 REPORT = """
 #include <concepts>
@@ -244,7 +244,7 @@ def check_imports(facts, libraries, asked):
             if symbol.processor in ("", asked.processor):
                 listed.add(name)
             if symbol.first_version > OLDEST_SYSTEM:
-                version, oldest = (".".join(map(str, each)) for each in (symbol.first_version, OLDEST_SYSTEM))
+                version, oldest = map(dotted, (symbol.first_version, OLDEST_SYSTEM))
                 yield f"macos/imports.txt: {name} came with macOS {version}, the program is for {oldest}"
             known = home(facts, name)
             if known and known != library.name:

@@ -4,6 +4,7 @@ import re
 
 from macos.interface import abi
 from macos.interface.facts import close_to
+from macos.sysroot import OLDEST_SYSTEM, dotted
 
 CPP_CODES = {
     "void": "v", "bool": "B", "char": "c", "signed char": "c", "unsigned char": "C", "short": "s",
@@ -99,7 +100,8 @@ class Messages:
     def too_new(self, method):
         """The sentence about something that macOS 13 lacks, or may lack."""
         if method.first_version:
-            return f"{method} came with macOS {'.'.join(map(str, method.first_version))}, the program is for 13.0"
+            return (f"{method} came with macOS {dotted(method.first_version)}, the program is for "
+                    f"{dotted(OLDEST_SYSTEM)}")
         return (f"{method} is recorded for newer systems only; if macOS 13 has it, say since when in "
                 "macos/interface/facts/supplement.tsv")
 

@@ -11,6 +11,8 @@ from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
 
+from macos.sysroot import OLDEST_SYSTEM, dotted
+
 FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
 COMPILER = "clang++-19"
@@ -70,7 +72,7 @@ def mac_options(root, headers, processor):
     """For one of a Mac's processors, as macos/linux.cmake has it."""
     resources = subprocess.run([COMPILER, "-print-resource-dir"], capture_output=True, text=True, check=True)
     folders = [f"{headers}/libcxx/include", f"{resources.stdout.strip()}/include", f"{headers}/include"]
-    return ["-target", f"{processor}-apple-macos13.0", "-Werror=unguarded-availability", "-nostdinc",
+    return ["-target", f"{processor}-apple-macos{dotted(OLDEST_SYSTEM)}", "-Werror=unguarded-availability", "-nostdinc",
             *(word for folder in folders for word in ("-isystem", folder)),
             "-include", str(root / "macos" / "libcxx_config.h")]
 

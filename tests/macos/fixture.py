@@ -1,12 +1,15 @@
 """Small Mac programs and bundles, compiled here, for the tests of the scripts in macos/ to examine and to damage."""
 import os
 import plistlib
+import struct
 import subprocess
 from pathlib import Path
 
-from macos import macho, sysroot
+from macos import archive, macho, sysroot
 
 ROOT = Path(__file__).resolve().parents[2]
+OLDEST = sysroot.dotted(sysroot.OLDEST_SYSTEM)
+MOMENT = 1_700_000_000
 PROCESSORS = ("arm64", "x86_64")
 SOURCE = """
 extern void *objc_getClass(const char *);
@@ -27,10 +30,23 @@ def link(folder, processor, source=SOURCE, options=(), libraries=None):
     libraries = [word for name in libraries for word in name.replace("-framework", "-framework ").split()]
     (folder / "program.c").write_text(source)
     target = folder / f"program-{processor}"
-    command = ["clang-19", "-target", f"{processor}-apple-macos13.0", "-Os", "-g0", *LINK_OPTIONS, *options,
+    command = ["clang-19", "-target", f"{processor}-apple-macos{OLDEST}", "-Os", "-g0", "-funwind-tables",
+               *LINK_OPTIONS, *options,
                f"-F{stubs}", f"-L{stubs}", *libraries, "program.c", "-o", target.name]
     subprocess.run(command, check=True, capture_output=True, text=True, cwd=folder)
     return target.read_bytes()
+
+
+def universal(parts):
+    """A universal file of slices that may be damaged, which no tool would join."""
+    alignment = 14
+    header, body = struct.pack(">2I", macho.FAT_MAGIC, len(parts)), b""
+    for part in parts:
+        body += bytes(-len(body) % (1 << alignment))
+        processor = struct.unpack_from("<2I", part, 4)
+        header += struct.pack(">5I", *processor, (1 << alignment) + len(body), len(part), alignment)
+        body += part
+    return header.ljust(1 << alignment, b"\0") + body
 
 
 def program(folder, **changes):
@@ -50,13 +66,14 @@ def make_bundle(place, code):
     for name in ("MacOS", "Resources/en.lproj", "Frameworks"):
         (contents / name).mkdir(parents=True)
     (contents / "Info.plist").write_bytes(plistlib.dumps({
-        "CFBundleIdentifier": "app.tarnwick.Tarnwick", "CFBundleExecutable": "Tarnwick",
-        "CFBundleShortVersionString": "1.0.0", "LSMinimumSystemVersion": "13.0"}))
+        "CFBundleIdentifier": "app.tarnwick.Tarnwick", "CFBundleExecutable": "Tarnwick", "CFBundlePackageType": "APPL",
+        "CFBundleShortVersionString": "1.0.0", "CFBundleVersion": "1.0.0", "LSMinimumSystemVersion": OLDEST,
+        "LSUIElement": True, "SUFeedURL": "REPLACE_WITH_FEED_URL", "SUPublicEDKey": "REPLACE_WITH_PUBLIC_KEY"}))
     (contents / "Resources" / "AppIcon.icns").write_bytes(b"icon")
     (contents / "Resources" / "MenuBarTemplate.png").write_bytes(b"picture")
     (contents / "Resources" / "en.lproj" / "Text.strings").write_bytes(b"text")
     (contents / "MacOS" / "Tarnwick").write_bytes(code)
-    (contents / "MacOS" / "Tarnwick").chmod(0o755)
+    archive.normalise(contents.parent, MOMENT)
     return contents.parent
 
 
@@ -69,7 +86,7 @@ def add_framework(bundle, code):
         "CFBundleIdentifier": "org.example.Updater", "CFBundleExecutable": "Updater"}))
     for name in ("Updater", "Helper"):
         (version / name).write_bytes(code)
-        (version / name).chmod(0o755)
     os.symlink("B", framework / "Versions" / "Current")
     os.symlink("Versions/Current/Updater", framework / "Updater")
+    archive.normalise(bundle, MOMENT)
     return framework

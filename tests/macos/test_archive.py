@@ -1,12 +1,17 @@
 """The archive depends on the bundle's content alone, and gives it back as it was."""
 import os
+import shutil
 import subprocess
 import tempfile
+import time
 import unittest
+import zipfile
 from pathlib import Path
 
 import fixture
 from macos import archive
+
+PROGRAM = bytes.fromhex("cffaedfe") + b" is how a program begins"
 
 
 class Archive(unittest.TestCase):
@@ -15,28 +20,79 @@ class Archive(unittest.TestCase):
         self.addCleanup(work.cleanup)
         self.folder = Path(work.name)
 
-    def packed(self, name, umask, age):
-        """A bundle made under another mask and at another time, packed."""
+    def packed(self, name, umask, moment=fixture.MOMENT):
+        """A bundle made under a mask of its own, packed."""
         before = os.umask(umask)
         self.addCleanup(os.umask, before)
-        bundle = fixture.make_bundle(self.folder / name, b"program")
-        fixture.add_framework(bundle, b"library")
-        for path in bundle.rglob("*"):
-            os.utime(path, (age, age), follow_symlinks=False)
-        archive.normalise_modes(bundle)
+        bundle = fixture.make_bundle(self.folder / name, PROGRAM)
+        fixture.add_framework(bundle, PROGRAM)
+        archive.normalise(bundle, moment)
         archive.write(bundle, self.folder / f"{name}.zip")
-        return (self.folder / f"{name}.zip").read_bytes()
+        return bundle, self.folder / f"{name}.zip"
 
     def test_same_bytes(self):
-        self.assertEqual(self.packed("one", 0o022, 1_000_000_000), self.packed("two", 0o077, 1_700_000_000))
+        one, two = self.packed("one", 0o022)[1], self.packed("two", 0o077)[1]
+        self.assertEqual(one.read_bytes(), two.read_bytes())
 
     def test_unpacks_as_it_was(self):
-        self.packed("one", 0o022, 1_000_000_000)
-        subprocess.run(["unzip", "-q", str(self.folder / "one.zip"), "-d", str(self.folder / "unpacked")], check=True)
-        contents = self.folder / "unpacked" / "Tarnwick.app" / "Contents"
-        modes = {name: (contents / name).stat().st_mode & 0o777
-                 for name in ("MacOS/Tarnwick", "Info.plist", "Frameworks")}
-        self.assertEqual(modes, {"MacOS/Tarnwick": 0o755, "Info.plist": 0o644, "Frameworks": 0o755})
-        version = contents / "Frameworks" / "Updater.framework"
-        self.assertEqual(os.readlink(version / "Updater"), "Versions/Current/Updater")
-        self.assertEqual((version / "Updater").read_bytes(), b"library")
+        for moment, year in ((fixture.MOMENT, 2023), (0, 1980)):
+            bundle, packed = self.packed(f"of {year}", 0o022, moment)
+            self.assertEqual(list(archive.compare(bundle, packed)), [])
+            target = self.folder / f"unpacked of {year}"
+            subprocess.run(["unzip", "-q", str(packed), "-d", str(target)], env={**os.environ, "TZ": "UTC"}, check=True)
+            contents = target / "Tarnwick.app" / "Contents"
+            modes = {name: (contents / name).stat().st_mode & 0o777
+                     for name in ("MacOS/Tarnwick", "Info.plist", "Frameworks")}
+            self.assertEqual(modes, {"MacOS/Tarnwick": 0o755, "Info.plist": 0o644, "Frameworks": 0o755})
+            self.assertEqual(time.gmtime((contents / "Info.plist").stat().st_mtime).tm_year, year)
+            version = contents / "Frameworks" / "Updater.framework"
+            self.assertEqual(os.readlink(version / "Updater"), "Versions/Current/Updater")
+            self.assertEqual((version / "Updater").read_bytes(), PROGRAM)
+
+
+class Comparison(unittest.TestCase):
+    """An archive that holds anything else than the bundle is told."""
+
+    def setUp(self):
+        work = tempfile.TemporaryDirectory()
+        self.addCleanup(work.cleanup)
+        self.folder = Path(work.name)
+        self.bundle = fixture.make_bundle(self.folder, PROGRAM)
+        self.packed = self.folder / "Tarnwick.zip"
+
+    def test_other_archives(self):
+        contents = self.bundle / "Contents"
+        information, icon = contents / "Info.plist", contents / "Resources" / "AppIcon.icns"
+
+        def link():
+            icon.unlink()
+            icon.symlink_to("MenuBarTemplate.png")
+
+        for sentence, change in [
+                ("holds Tarnwick.app/Contents/Extra", (contents / "Extra").touch),
+                ("lacks Tarnwick.app/Contents/Info.plist", information.unlink),
+                ("Info.plist with other content", lambda: information.write_bytes(b"?" * len(information.read_bytes()))),
+                ("MacOS/Tarnwick with permissions 644, the bundle with 755",
+                 lambda: (contents / "MacOS" / "Tarnwick").chmod(0o644)),
+                ("AppIcon.icns as something else", link)]:
+            with self.subTest(sentence):
+                shutil.rmtree(self.bundle)
+                fixture.make_bundle(self.folder, PROGRAM)
+                change()
+                archive.write(self.bundle, self.packed)
+                shutil.rmtree(self.bundle)
+                fixture.make_bundle(self.folder, PROGRAM)
+                found = list(archive.compare(self.bundle, self.packed))
+                self.assertEqual(len(found), 1, found)
+                self.assertRegex(found[0], f"^Tarnwick.zip .*{sentence}")
+
+    def test_no_archive_at_all(self):
+        archive.write(self.bundle, self.packed)
+        whole = self.packed.read_bytes()
+        for content in (b"", whole[:len(whole) // 2], bytes(1000)):
+            self.packed.write_bytes(content)
+            with self.assertRaisesRegex(archive.ArchiveError, "^Tarnwick.zip cannot be unpacked: "):
+                list(archive.compare(self.bundle, self.packed))
+        with zipfile.ZipFile(self.packed, "w"):
+            pass
+        self.assertIn("Tarnwick.zip lacks Tarnwick.app/", list(archive.compare(self.bundle, self.packed)))

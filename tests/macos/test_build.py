@@ -1,14 +1,18 @@
 """The whole way from the sources to the archive: the same bytes from two places, and clear sentences on the way."""
+import io
+import os
 import shutil
 import subprocess
 import tempfile
 import unittest
+import zipfile
 from pathlib import Path
 from unittest import mock
 
 import fixture
 from macos import build
 
+IDENTITY = "Developer ID Application: A (B)"
 SOURCES = ("app", "remap", "settings", "platform", "bundle", "macos")
 
 
@@ -26,7 +30,8 @@ class Build(unittest.TestCase):
         shutil.copytree(cls.first, cls.second)
 
     def build(self, place, *options):
-        result = subprocess.run(["python3", "-B", "-m", "macos.build", *options], cwd=place, capture_output=True, text=True, check=False)
+        result = subprocess.run(["python3", "-B", "-m", "macos.build", *options], cwd=place, capture_output=True, text=True, check=False,
+                                env={**os.environ, "SOURCE_DATE_EPOCH": str(fixture.MOMENT)})
         return result.returncode, result.stdout + result.stderr
 
     def test_same_archive_from_two_places(self):
@@ -35,6 +40,8 @@ class Build(unittest.TestCase):
             self.assertEqual(status, 0, said)
         archives = [(place / "build" / "macos" / "Tarnwick.zip").read_bytes() for place in (self.first, self.second)]
         self.assertEqual(archives[0], archives[1])
+        dates = {entry.date_time[:3] for entry in zipfile.ZipFile(io.BytesIO(archives[0])).infolist()}
+        self.assertEqual(dates, {(2023, 11, 14)})
 
     def test_symbol_that_is_not_listed(self):
         extra = self.second / "app" / "Unlisted.cpp"
@@ -68,14 +75,21 @@ class Mac(unittest.TestCase):
         names = [Path(call[-1]).name for call in self.signed(None)]
         self.assertEqual(names, ["Helper", "Updater.framework", "Tarnwick.app", "Tarnwick.app"])
 
-    def test_hardened_only_with_an_identity(self):
-        for identity, name, hardened in ((None, "-", False), ("Developer ID Application: A (B)",) * 2 + (True,)):
+    def test_hardened_always_and_entitled_only_ad_hoc(self):
+        for identity, name in ((None, "-"), (IDENTITY, IDENTITY)):
             with self.subTest(identity):
-                for call in self.signed(identity)[:-1]:
+                *nested, application, _ = self.signed(identity)
+                for call in [*nested, application]:
                     self.assertEqual(call[call.index("--sign") + 1], name)
-                    self.assertEqual("runtime" in call, hardened)
+                    self.assertEqual(call[call.index("--options") + 1], "runtime")
+                    self.assertEqual("--entitlements" in call, call is application and identity is None)
 
     def test_identity_elsewhere_is_refused(self):
         with mock.patch.object(build.platform, "system", lambda: "Linux"):
             with self.assertRaisesRegex(build.BuildError, "only on a Mac"):
-                build.build(Path("unused"), "Developer ID Application: A (B)", [])
+                build.build(Path("unused"), IDENTITY, [])
+
+    def test_placeholders_are_for_nobody_else(self):
+        with mock.patch.object(build.platform, "system", lambda: "Darwin"):
+            with self.assertRaisesRegex(build.BuildError, "fill in SUFeedURL and SUPublicEDKey in bundle/Info.plist.in"):
+                build.build(Path("unused"), IDENTITY, [])

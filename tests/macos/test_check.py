@@ -1,4 +1,8 @@
 """Each thing that a Mac would refuse, or that must not leave the building machine, is named by the check."""
+import dataclasses
+import hashlib
+import plistlib
+import shutil
 import struct
 import tempfile
 import unittest
@@ -6,7 +10,7 @@ from pathlib import Path
 from unittest import mock
 
 import fixture
-from macos import check, macho, sysroot
+from macos import archive, check, information, macho, sysroot, verify
 
 
 class Check(unittest.TestCase):
@@ -49,6 +53,8 @@ class Check(unittest.TestCase):
                 ("not a program", self.changed(12, "<I", 6)),
                 ("for platform 2, not for macOS", self.changed(build + 8, "<I", 2)),
                 (r"oldest system is macOS 14\.0, not 13\.0", self.changed(build + 12, "<I", 14 << 16)),
+                (r"SDK is macOS 15\.2, not 13\.0", self.changed(build + 16, "<I", 15 << 16 | 2 << 8)),
+                ("no unwind tables", self.good.replace(b"__unwind_info", b"__unwind_none")),
                 ("does not say for which system", self.changed(build, "<I", 0x7F))]:
             with self.subTest(sentence):
                 self.assert_problem(sentence, code)
@@ -61,7 +67,7 @@ class Check(unittest.TestCase):
         names = [f"-framework{library.name}" if library.is_framework else f"-l{library.name}"
                  for library in self.libraries]
         (self.folder / "stubs" / "libextra.tbd").write_text(
-            sysroot.stub_text(sysroot.Library("extra", "/usr/lib/libextra.dylib", [])))
+            sysroot.stub_text(sysroot.Library("extra", "/usr/lib/libextra.dylib", "1", "1", [])))
         for sentence, code in [
                 ("does not load .*AppKit", self.linked(libraries=names[1:])),
                 ("loads /usr/lib/libextra.dylib, which", self.linked(libraries=[*names, "-lextra"])),
@@ -73,8 +79,7 @@ class Check(unittest.TestCase):
 
     def without(self, name):
         """The table as if a symbol were not listed."""
-        return [sysroot.Library(library.name, library.install_name,
-                                [symbol for symbol in library.symbols if symbol.name != name])
+        return [dataclasses.replace(library, symbols=[symbol for symbol in library.symbols if symbol.name != name])
                 for library in self.libraries]
 
     def listed(self, library_name, symbol):
@@ -93,6 +98,12 @@ class Check(unittest.TestCase):
         self.assert_problem("takes _objc_getClass, which .* for this processor", self.good,
                             self.listed("objc", sysroot.Symbol("_objc_getClass", (10, 0), "x86_64")))
         self.assertRegex(self.problems(self.linked(weak))[0], "takes _kCFRunLoopCommonModes weakly")
+
+    def test_library_versions(self):
+        newer = [dataclasses.replace(library, current="2500.1") if library.name == "AppKit" else library
+                 for library in self.libraries]
+        self.assert_problem(r"linked with version 2299\.0 of .*/AppKit, compatible with 45\.0; .* says 2500\.1 and 45",
+                            self.good, newer)
 
     def test_exports(self):
         exporting = fixture.link(self.folder, "arm64", fixture.SOURCE + "int offered(void) { return 1; }\n",
@@ -124,30 +135,64 @@ class Check(unittest.TestCase):
 class Bundle(unittest.TestCase):
     """What the check says of the bundle and of its archive."""
 
+    @classmethod
+    def setUpClass(cls):
+        cls.work = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.work.cleanup)
+        cls.folder = Path(cls.work.name)
+        cls.code = fixture.program(cls.folder)
+
     def setUp(self):
-        work = tempfile.TemporaryDirectory()
-        self.addCleanup(work.cleanup)
-        self.folder = Path(work.name)
-        self.bundle = fixture.make_bundle(self.folder, fixture.program(self.folder))
-        self.archive = self.folder / "Tarnwick.zip"
-        self.archive.write_bytes(bytes(1000))
+        shutil.rmtree(self.folder / "Tarnwick.app", ignore_errors=True)
+        self.bundle, self.archive = fixture.make_bundle(self.folder, self.code), self.folder / "Tarnwick.zip"
+
+    def problems(self):
+        archive.normalise(self.bundle, fixture.MOMENT)
+        archive.write(self.bundle, self.archive)
+        return check.check_bundle(self.bundle, self.archive)[0]
 
     def test_good(self):
-        problems, figures = check.check_bundle(self.bundle, self.archive)
-        self.assertEqual(problems, [])
+        self.assertEqual(self.problems(), [])
+        figures = check.check_bundle(self.bundle, self.archive)[1]
         self.assertRegex(figures[0], r"^x86_64: code \d+ bytes, .* 2 imported symbols, 0 static initialisers$")
-        self.assertEqual(figures[2], "Tarnwick.zip: 1000 bytes")
+        self.assertRegex(figures[2], r"^Tarnwick.zip: \d+ bytes$")
 
     def test_faults(self):
         contents = self.bundle / "Contents"
-        program, information = contents / "MacOS" / "Tarnwick", contents / "Info.plist"
+        program = contents / "MacOS" / "Tarnwick"
         one = macho.join(macho.slices(program.read_bytes())[:1])
+        noise = b"".join(hashlib.sha256(bytes([number // 256, number % 256])).digest() for number in range(10_000))
         for fault, sentence in [
-                (lambda: self.archive.write_bytes(bytes(check.LARGEST_ARCHIVE + 1)), "Tarnwick.zip has 300001 bytes"),
-                (lambda: program.write_bytes(one), "for x86_64, not for arm64 and x86_64"),
-                (lambda: information.write_bytes(information.read_bytes().replace(b"13.0", b"12.0")),
-                 "LSMinimumSystemVersion is 12.0"),
+                (lambda: (contents / "Resources" / "Noise").write_bytes(noise), r"Tarnwick.zip has 3\d+ bytes, more than"),
+                (lambda: program.write_bytes(one), "Tarnwick is for x86_64, not for arm64, x86_64"),
                 ((contents / "Resources" / "AppIcon.icns").unlink, "Resources/AppIcon.icns is missing")]:
-            fault()
-            problems, _ = check.check_bundle(self.bundle, self.archive)
-            self.assertTrue(any(sentence in problem for problem in problems), problems)
+            with self.subTest(sentence):
+                self.setUp()
+                fault()
+                self.assertRegex("\n".join(self.problems()), sentence)
+
+    def test_layout(self):
+        (self.bundle / "Contents" / "MacOS" / "Tarnwick").chmod(0o777)
+        archive.write(self.bundle, self.archive)
+        with self.assertRaisesRegex(verify.VerificationError, "MacOS/Tarnwick has the permissions 777"):
+            check.check_bundle(self.bundle, self.archive)
+
+    def test_information(self):
+        file = self.bundle / "Contents" / "Info.plist"
+        good = plistlib.loads(file.read_bytes())
+        for change, sentence in [
+                ({"LSMinimumSystemVersion": "12.0"}, "LSMinimumSystemVersion is '12.0', not '13.0'"),
+                ({"LSUIElement": False}, "LSUIElement is False, not True"), ({"LSUIElement": 1}, "LSUIElement is 1"),
+                ({"CFBundleVersion": 1}, "CFBundleVersion is 1, which is no version"),
+                ({"CFBundleShortVersionString": "1.0-beta"}, "is '1.0-beta', which is no version"),
+                ({"CFBundleIdentifier": "app.other"}, "CFBundleIdentifier is 'app.other'"),
+                ({"LSEnvironment": {"DYLD_INSERT_LIBRARIES": "x"}}, "LSEnvironment must not be there"),
+                ({"NSAppTransportSecurity": {}}, "NSAppTransportSecurity must not be there"),
+                ({"SUFeedURL": "http://example.org/feed"}, "'http://example.org/feed', not an https address"),
+                ({"SUFeedURL": "https://example.org/feed"}, "no update framework that could use it"),
+                ({"SUPublicEDKey": b"key"}, "SUFeedURL and SUPublicEDKey must be texts")]:
+            with self.subTest(sentence):
+                file.write_bytes(plistlib.dumps({**good, **change}))
+                self.assertRegex("\n".join(self.problems()), f"Info.plist: .*{sentence}")
+        with_framework = list(information.check({**good, "SUFeedURL": "https://example.org/feed"}, has_framework=True))
+        self.assertEqual(with_framework, [])

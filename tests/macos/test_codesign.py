@@ -3,9 +3,12 @@ import shutil
 import tempfile
 import unittest
 from pathlib import Path
+from unittest import mock
 
 import fixture
-from macos import codesign, macho, verify
+from macos import codesign, information, macho, verify
+
+REFUSALS = (verify.VerificationError, information.InformationError, macho.MachOError)
 
 
 def flip(path, position):
@@ -13,6 +16,13 @@ def flip(path, position):
     data = bytearray(path.read_bytes())
     data[position] ^= 1
     path.write_bytes(data)
+
+
+def to_link(path):
+    """The same file, but somewhere else."""
+    elsewhere = path.parents[3] / path.name
+    shutil.move(path, elsewhere)
+    path.symlink_to(elsewhere)
 
 
 def replace(path, old, new):
@@ -38,9 +48,8 @@ class SignedBundle(unittest.TestCase):
         shutil.copytree(self.signed, self.bundle, symlinks=True)
 
     def test_intact(self):
-        directories, lines = verify.verify_bundle(self.bundle)
+        directories, lines = verify.verify_application(self.bundle)
         self.assertEqual([directory.image.processor for directory in directories], ["x86_64", "arm64"])
-        self.assertEqual([directory.flags for directory in directories], [0x2] * 2)
         self.assertEqual(len(lines), 6, "two slices each of the program, the framework and its helper")
         before = (self.bundle / "Contents" / "MacOS" / "Tarnwick").read_bytes()
         codesign.sign(self.bundle)
@@ -64,8 +73,9 @@ class SignedBundle(unittest.TestCase):
                 ("Tarnwick .* code was changed after signing", lambda: flip(program, first + 40)),
                 ("past the end of the file", lambda: program.write_bytes(intact[:-16])),
                 ("signature is not at the end", lambda: program.write_bytes(part + bytes(4096))),
-                ("only the linker signed it", lambda: program.write_bytes(self.code)),
+                ("the signature has other parts than it should", lambda: program.write_bytes(self.code)),
                 ("something between the slices", lambda: flip(program, 0x3000)),
+                ("does not lie on its boundary", lambda: flip(program, 8 + 19)),
                 ("something after the slices", lambda: program.write_bytes(intact + b"more")),
                 ("Resources/AppIcon.icns was changed", lambda: flip(icon, 0)),
                 ("Resources/AppIcon.icns is missing", icon.unlink),
@@ -77,18 +87,46 @@ class SignedBundle(unittest.TestCase):
                 ("Resources/Extra.txt was added", (contents / "Resources" / "Extra.txt").touch),
                 ("MacOS/Other was added", (contents / "MacOS" / "Other").touch),
                 ("Extra was added", (contents / "Extra").touch),
-                ("Resources/All was added", lambda: (contents / "Resources" / "All").symlink_to("/")),
+                ("holds Contents, Extra, not Contents alone", (self.bundle / "Extra").touch),
+                ("MacOS/Tarnwick has the permissions 777, not 755", lambda: program.chmod(0o777)),
+                ("AppIcon.icns has the permissions 755, not 644", lambda: icon.chmod(0o755)),
+                ("MacOS/Tarnwick is a link", lambda: to_link(program)),
+                ("Resources/AppIcon.icns is a link", lambda: to_link(icon)),
+                ("Updater.framework: Extra is no link into", (framework / "Extra").touch),
+                ("Updater.framework: Updater is no link into",
+                 lambda: (framework / "Updater").unlink() or (framework / "Updater").write_bytes(self.library)),
+                ("Updater.framework does not hold one version", (framework / "Versions" / "A").mkdir),
+                ("Resources/All is a link", lambda: (contents / "Resources" / "All").symlink_to("/")),
                 ("Helper .* was changed", lambda: flip(framework / "Versions" / "B" / "Helper", 0x4000 + 2000)),
                 ("Updater.framework is not the code that was sealed", sign_another_framework)]:
             with self.subTest(sentence):
                 self.setUp()
                 damage()
-                with self.assertRaisesRegex((verify.VerificationError, macho.MachOError), sentence):
-                    verify.verify_bundle(self.bundle)
+                with self.assertRaisesRegex(REFUSALS, sentence):
+                    verify.verify_application(self.bundle)
+
+    def test_right_to_load_a_framework_only_where_there_is_one(self):
+        for part in macho.slices((self.bundle / "Contents" / "MacOS" / "Tarnwick").read_bytes()):
+            self.assertIn(codesign.LIBRARY_ENTITLEMENT.encode(), part)
+        plain = fixture.make_bundle(self.folder / "plain", self.code)
+        codesign.sign(plain)
+        self.assertEqual(len(verify.verify_application(plain)[1]), 2)
+        program = plain / "Contents" / "MacOS" / "Tarnwick"
+        self.assertNotIn(codesign.LIBRARY_ENTITLEMENT.encode(), program.read_bytes())
+        codesign.sign_program(program, "app.tarnwick.Tarnwick", (plain / "Contents" / "Info.plist").read_bytes(),
+                              (plain / "Contents" / "_CodeSignature" / "CodeResources").read_bytes(), entitled=True)
+        with self.assertRaisesRegex(verify.VerificationError, "the signature has other parts than it should"):
+            verify.verify_application(plain)
+
+    def test_another_right(self):
+        with mock.patch.object(codesign, "LIBRARY_ENTITLEMENT", "com.apple.security.cs.disable-executable-protect"):
+            codesign.sign(self.bundle)
+        with self.assertRaisesRegex(verify.VerificationError, "other entitlements than the one"):
+            verify.verify_application(self.bundle)
 
     def test_localisation_may_be_removed(self):
         (self.bundle / "Contents" / "Resources" / "en.lproj" / "Text.strings").unlink()
-        verify.verify_bundle(self.bundle)
+        verify.verify_application(self.bundle)
 
 
 class Refused(unittest.TestCase):

@@ -91,7 +91,7 @@ def changed_slices(change):
     parts = [bytearray(part) for part in macho.slices(shipped())]
     for part in parts:
         change(part, dict(macho.read_image(bytes(part)).commands))
-    return macho.join([bytes(part) for part in parts])
+    return fixture.universal([bytes(part) for part in parts])
 
 
 class Refusals(Case):
@@ -109,14 +109,14 @@ class Refusals(Case):
     def test_other_processor(self):
         for part, missing in zip(macho.slices(shipped()), reversed(macho.slices(shipped()))):
             processor = macho.read_image(missing).processor
-            status, _, complaints = self.play(processor, macho.join([part]))
+            status, _, complaints = self.play(processor, fixture.universal([part]))
             self.assertIn("Tarnwick has no slice for this processor\n", complaints)
             self.assertEqual(status, 2)
 
     def test_cut_off(self):
         parts = macho.slices(shipped())
         for size in (0, 30, 200, 1000, len(parts[0]) // 2, len(parts[0]) - 20_000):
-            self.expect_refusal(macho.join([part[:size] for part in parts]) if size > 8 else shipped()[:4096 + size],
+            self.expect_refusal(fixture.universal([part[:size] for part in parts]) if size > 8 else shipped()[:4096 + size],
                                 "Tarnwick is cut off")
 
     def test_load_commands(self):
@@ -157,7 +157,7 @@ class Refusals(Case):
                 with self.subTest(processor=image.processor, place=place):
                     damaged = bytearray(part)
                     damaged[place] ^= 0xFF
-                    whole = macho.join([part])
+                    whole = fixture.universal([part])
                     whole = whole[:len(whole) - len(part)] + bytes(damaged)
                     status, _, complaints = self.play(image.processor, whole)
                     self.assertIn(status, (0, 2), complaints)

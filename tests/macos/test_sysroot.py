@@ -23,10 +23,11 @@ class Sysroot(unittest.TestCase):
         for text, sentence in [
                 ("symbol before any library\n", "imports.txt:1: neither a library"),
                 ("  early  10.0  x:A\n", "imports.txt:1: neither a library"),
-                ("A  /usr/lib/a\n  f  10.0\n", "imports.txt:2: a symbol needs its first macOS and its source"),
-                ("A  /usr/lib/a\n  f  new  x:A\n", "imports.txt:2: a symbol needs its first macOS and its source"),
-                ("A  /usr/lib/a\n  f  10.0  x:B/b.h\n", "imports.txt:2: f is listed under A, but its source says B"),
-                ("A  /usr/lib/a\n  f  10.0  x:A\nB  /usr/lib/b\n  f  10.0  x:B\n",
+                ("A  /usr/lib/a\n", "imports.txt:1: neither a library with its install name and versions"),
+                ("A  /usr/lib/a  1  1\n  f  10.0\n", "imports.txt:2: a symbol needs its first macOS and its source"),
+                ("A  /usr/lib/a  1  1\n  f  new  x:A\n", "imports.txt:2: a symbol needs its first macOS and its source"),
+                ("A  /usr/lib/a  1  1\n  f  10.0  x:B/b.h\n", "imports.txt:2: f is listed under A, but its source says B"),
+                ("A  /usr/lib/a  1  1\n  f  10.0  x:A\nB  /usr/lib/b  1  1\n  f  10.0  x:B\n",
                  "imports.txt:4: f is listed twice")]:
             with self.subTest(text):
                 (self.folder / "imports.txt").write_text(text)
