@@ -51,12 +51,14 @@ class Check:
         self.declared |= declared.checked
 
     def check_stand_in(self, tool):
-        """The stand-in's methods, as the tool lists them, and the declarations that only its build sees."""
+        """The stand-in's methods, as the tool lists them, the declarations that only its build sees, and its own."""
         listed = subprocess.run([str(tool)], capture_output=True, text=True, check=True).stdout.splitlines()
         self.note("stand-in", messages.StandIn(Facts(), self.programs[0][0], listed).check())
         compiler = program.Compiler(self.root, self.work / "stand-in")
         platform = declarations.Declarations(Facts(), STAND_IN_AS, compiler, compiler.preprocessed())
         self.check_declarations("stand-in", platform)
+        own = compiler.preprocessed([program.STAND_IN_FOLDER])
+        self.check_declarations("stand-in", declarations.StandInDeclarations(platform, own))
         return len(listed)
 
     def sentences(self):

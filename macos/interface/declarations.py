@@ -39,9 +39,11 @@ template <class Result, class... Arguments> void types(Result (*)(Arguments...))
 void all() {
 """
 C_BLOCK = re.compile(r'^extern "C" \{$', re.MULTILINE)
-C_DECLARATION = re.compile(r'^extern "C" ([^{};]*;)', re.MULTILINE)
+C_DECLARATION = re.compile(r'^extern "C" ([^{};]*[;{])', re.MULTILINE)
 FUNCTION = re.compile(r"^(?!using|extern|typedef)[\w:* ]*?[ *](\w+)\([^;{}]*\);", re.MULTILINE)
 VARIABLE = re.compile(r"^(?!struct \w+;|using |typedef )\w[^;(){}=\n]*[ *](\w+);", re.MULTILINE)
+C_NAME = re.compile(r"^(?!using |typedef |struct \w+;)\w[\w:* ]*?[ *](\w+)(?:\(|(?: = [^;]*)?;)", re.MULTILINE)
+EXTERN = re.compile(r"^extern \w[^;(){}=\n]*[ *](\w+);", re.MULTILINE)
 PLATFORM_NAME = re.compile(r"^(?:NS|CF|CG|AX|UT)[A-Z]|^k(?:CF|CG|AX|VK|UT)|^DISPATCH_")
 CONSTANT_NAME = re.compile(r"\bk(?:CF|CG|AX|UT|VK_)[A-Z0-9]\w*")
 CONSTANT = re.compile(r"\bconstexpr ([\w:<> ]+?)[ *&]+(\w+)(?:\[\])?\s*(?:=\s*([^;]+?)|\{([^;]*)\});")
@@ -225,6 +227,36 @@ class Declarations:
         for file, text in self.sources.items():
             for name in sorted(set(ACCESSIBILITY_TEXT.findall(text)) - known):
                 yield f'{file}: Accessibility knows no "{name}"{close_to(name, known)}'
+
+
+class StandInDeclarations(Declarations):
+    """What the stand-in declares by itself. What platform/ declares too, it must take from there: of two declarations
+    one may change, and only those of platform/ are held against the platform in all their types."""
+
+    def __init__(self, platform, sources):
+        super().__init__(platform.facts, platform.processor, platform.compiler, sources)
+        self.platform = platform
+
+    def check(self):
+        """All sentences about names of the platform in the stand-in's files."""
+        known = {name for name, *_ in self.platform.constants()}
+        again = [(name, file) for name, file, _ in self.constants() if name in known]
+        declared = self.platform.named(C_NAME)
+        for file, text in self.sources.items():
+            for declarations in c_declarations(text):
+                again += [(name, file) for name in FUNCTION.findall(declarations) + EXTERN.findall(declarations)
+                          if name in declared]
+                for name in sorted(set(C_NAME.findall(declarations)) - declared):
+                    yield (f"{file}: {name} is not declared in platform/, where its types would be held against the "
+                           f"platform's{close_to(name, declared)}")
+        for name, file in sorted(again):
+            yield f"{file} declares {name} again; platform/ has it"
+        own = [entry for entry in self.constants() if entry[0] not in known]
+        for name in self.report((), (), own):
+            yield from self.check_reported(name)
+        for name, file, expression in own:
+            yield from self.check_constant_name(name, file, expression)
+        yield from self.check_texts()
 
 
 def same_number(value, thousandths):

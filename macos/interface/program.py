@@ -15,6 +15,7 @@ from macos.sysroot import OLDEST_SYSTEM, dotted
 
 FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
+STAND_IN_FOLDER = "desktop"
 COMPILER = "clang++-19"
 # As the application is built (macos/CMakeLists.txt), but that a use of something newer is an error.
 OPTIONS = ["-std=c++20", "-O0", "-g0", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics"]

@@ -85,10 +85,7 @@ METHODS = {
         r"Delegate answers hash as i@:; NSObject has it as NSUInteger \(\), that is Q@:",
 }
 DECLARED = {
-    "inline constexpr int kVK_F5 = 0x61;": "kVK_F5 is 96 on the platform, the program has 97",
-    "inline const int kVK_F6 = 0x61;": "the declaration of kVK_F6 is not understood",
     "inline constexpr double NSVariableStatusItemLength = -1.5;": "NSVariableStatusItemLength is -1 .* has -1.5",
-    "enum { kCGEventFlagMaskHelp = 1 };": "kCGEventFlagMaskHelp is 4194304 on the platform, the program has 1",
     "inline constexpr int kVK_F21 = 1;": "the platform has no constant kVK_F21; close: .*kVK_F2",
     "inline constexpr long NSTextAlignmentCenter = 1;": r"NSTextAlignmentCenter is 2 .* has 1 \(x86_64\)",
     'inline constexpr auto kAXRoleAttribute = "AXRolle";': 'kAXRoleAttribute is "AXRole" .* has "AXRolle"',
@@ -96,7 +93,19 @@ DECLARED = {
     'extern "C" void CGEventPostt();': "the platform has no function CGEventPostt; close: .*CGEventPost",
     'extern "C" const double kCFBooleanTrue;': "kCFBooleanTrue is .*, the program declares double",
 }
+STAND_IN = {
+    "constexpr long NSModalResponseAbort = -1002;": "NSModalResponseAbort is -1001 on the platform, the program has -1002",
+    "enum { kAXErrorNoValue = -(1 << 4) };": "kAXErrorNoValue is -25212 on the platform, the program has -16",
+    "constexpr int kVK_Escape = 0x35;": "desktop/Own.cpp declares kVK_Escape again; platform/ has it",
+    'extern "C" {\nextern const void* const kCFRunLoopCommonModes;\n}': "declares kCFRunLoopCommonModes again",
+    'extern "C" {\nint CGEventPeek(int) {\n  return 1;\n}\n}': "CGEventPeek is not declared in platform/",
+}
 HEADERS = {  # file, what stands there, what is put in its place, what is said
+    "key code": ("platform/KeyCodes.hpp", "kVK_F5 = 0x60", "kVK_F5 = 0x61", "kVK_F5 is 96 on the platform, the program has 97"),
+    "unread": ("platform/KeyCodes.hpp", "inline constexpr CGKeyCode kVK_F6 ", "inline const CGKeyCode kVK_F6 ",
+               "the declaration of kVK_F6 is not understood"),
+    "modifier": ("platform/EventServices.hpp", "kCGEventFlagMaskHelp = 0x400000", "kCGEventFlagMaskHelp = 0x40000",
+                 "kCGEventFlagMaskHelp is 4194304 on the platform, the program has 262144"),
     "flags": ("platform/EventServices.hpp", "void CGEventSetFlags(CGEventRef event, CGEventFlags flags);",
               "void CGEventSetFlags(CGEventRef event, std::uint32_t flags);",
               r"CGEventSetFlags takes as argument 2 CGEventFlags \(Q\), the program declares unsigned int"),
@@ -131,7 +140,7 @@ def replace(file, text, other):
 
 
 def examine(folder):
-    """What is said about the program in this folder, and what was asked."""
+    """What is said about the program in this folder, and for each processor what was asked, compiler and sources."""
     caches = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache")
     headers = sysroot.fetch(caches / "tarnwick")
     sentences, everything = [], program.ask_all(folder, folder, headers, abi.PROCESSORS)
@@ -140,7 +149,7 @@ def examine(folder):
         found = [*messages.Messages(facts, asked).check(),
                  *declarations.Declarations(facts, asked.processor, compiler, sources).check()]
         sentences += [f"{sentence} ({asked.processor})" for sentence in found]
-    return sentences, everything[0][0]
+    return sentences, everything
 
 
 class Interface(unittest.TestCase):
@@ -152,7 +161,8 @@ class Interface(unittest.TestCase):
         cls.addClassCleanup(cls.work.cleanup)
         correct, wrong = Path(cls.work.name) / "correct", Path(cls.work.name) / "wrong"
         copy(correct)
-        cls.about_correct, cls.asked = examine(correct)
+        cls.about_correct, (cls.correct, _) = examine(correct)
+        cls.asked = cls.correct[0]
         copy(wrong)
         main = wrong / "app" / "main.cpp"
         replace(main, "  menu.addItem(item);", "\n".join(MESSAGES))
@@ -161,7 +171,7 @@ class Interface(unittest.TestCase):
         (wrong / "app" / "Declared.hpp").write_text("\n".join(DECLARED))
         for file, text, other, _ in HEADERS.values():
             replace(wrong / file, text, other)
-        cls.about_wrong, _ = examine(wrong)
+        cls.about_wrong, cls.wrong = examine(wrong)
 
     def test_nothing_is_said_about_a_correct_program(self):
         self.assertEqual(self.about_correct, [])
@@ -179,6 +189,19 @@ class Interface(unittest.TestCase):
     def test_nothing_to_read_is_no_proof(self):
         with self.assertRaisesRegex(program.ProgramError, "program.py must follow platform/RuntimeClass.hpp"):
             program.Reader("arm64", program.Code()).read()
+
+    def test_own_declarations_of_the_stand_in(self):
+        folder = Path(self.work.name) / "wrong"
+        (folder / "desktop").mkdir()
+        (folder / "desktop" / "Own.cpp").write_text("\n".join(STAND_IN) + "\n")
+        _, compiler, sources = self.wrong[0]
+        platform = declarations.Declarations(Facts(), "arm64", compiler, sources)
+        own = declarations.StandInDeclarations(platform, compiler.preprocessed(["desktop"]))
+        said = list(own.check())
+        self.assertEqual(len(said), len(STAND_IN), said)
+        for mistake, sentence in STAND_IN.items():
+            with self.subTest(mistake):
+                self.assertRegex("\n".join(said), sentence)
 
     def test_imports(self):
         libraries = {library.name: library for library in sysroot.read_libraries()}
