@@ -221,9 +221,11 @@ class Declarations:
                 yield f"{file}: the declaration of {name} is not understood; write `constexpr TYPE {name} = VALUE;`"
 
     def check_texts(self):
-        """Accessibility's names are texts; a wrong one is silently unknown there."""
+        """Accessibility's names are texts; a wrong one is silently unknown there. A variable's text is its name without
+        the k, and the types of its objects have names of that kind too."""
         known = {value.strip('"') for values in self.facts.constants.values() for value in values
                  if value.startswith('"AX')}
+        known |= {name.removeprefix("k") for name in self.facts.variables} | {"AXUIElement"}
         for file, text in self.sources.items():
             for name in sorted(set(ACCESSIBILITY_TEXT.findall(text)) - known):
                 yield f'{file}: Accessibility knows no "{name}"{close_to(name, known)}'

@@ -199,8 +199,8 @@ TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEa
     exempt.emplace_back(std::u16string(1, letter));
   desktop.store(u"exemptBundleIDs", exempt);
   std::vector<double> shownAt;
-  machine.journal = [&](const Fact& fact) {
-    if (fact.front() == "window") shownAt.push_back(window().frame.origin.x);
+  machine.journal.reader = [&](const JournalEntry& entry) {
+    if (entry.front() == "window") shownAt.push_back(window().frame.origin.x);
   };
   desktop.play({"screen none\n menu Settings…",
                 [&] {
