@@ -63,6 +63,7 @@ void event(benchmark::State& state, Typed typed, const char* application, bool e
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.mainBundle->open(TARNWICK_BUNDLE);
+  desktop.applications.lendIdentifiers = true;
   desktop.applications.frontmost = shared(desktop.applications.named(application));
   desktop.defaults->file->set(u"exemptBundleIDs", exemptions(state.range(0), exempt));
   const auto remapper = tarnwick::KeyRemapper::make();

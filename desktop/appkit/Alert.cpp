@@ -3,12 +3,6 @@
 #include "desktop/appkit/AppKit.hpp"
 
 namespace desktop {
-namespace {
-
-constexpr NSInteger firstButtonReturn = 1000;
-
-} // namespace
-
 Button* Alert::addButtonWithTitle(String* title) {
   buttons.push_back(Button::buttonWithTitle(title, nullptr, nullptr));
   return buttons.back().get();
@@ -29,7 +23,7 @@ NSInteger Alert::runModal() {
 bool Alert::press(const std::string& title, std::uint64_t row) {
   for (std::size_t index = 0; index < buttons.size(); ++index) {
     if (textOf(buttons[index]->title.get()) != title || --row != 0) continue;
-    AppKit::current().answerModal(firstButtonReturn + static_cast<NSInteger>(index), title);
+    AppKit::current().answerModal(platform::NSAlertFirstButtonReturn + static_cast<NSInteger>(index), title);
     return true;
   }
   return false;

@@ -3,13 +3,14 @@
 
 #include "desktop/appkit/Control.hpp"
 #include "desktop/runtime/Journal.hpp"
+#include "platform/Alert.hpp"
 
 namespace desktop {
 
 struct Alert : Object {
   Ref<String> message;
   Ref<String> informative;
-  NSUInteger style = 0;
+  NSUInteger style = platform::NSAlertStyleWarning;
   std::vector<Ref<Button>> buttons;
 
   void setAlertStyle(NSUInteger value) { style = value; }

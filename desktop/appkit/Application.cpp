@@ -72,7 +72,7 @@ void registerApplicationClasses() {
   NativeClass<Application>("NSApplication", "NSObject")
       .classMethod<"sharedApplication", &sharedApplication>()
       .method<"setDelegate:", &Application::setDelegate>()
-      .method<"setActivationPolicy:", &Application::setActivationPolicy>()
+      .fallibleMethod<"setActivationPolicy:", &Application::setActivationPolicy>()
       .method<"run", &Application::run>()
       .method<"terminate:", &Application::terminate>()
       .method<"activateIgnoringOtherApps:", &Application::activateIgnoringOtherApps>();

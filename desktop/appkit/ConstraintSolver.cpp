@@ -12,7 +12,8 @@ Amount operator*(Amount one, double factor) {
   return {one.fixed * factor, one.share * factor};
 }
 
-/// An edge is so many starts and so many lengths of its box.
+/// Where an edge is, in starts and lengths of its box: the centre of one that starts at 10 and is 4 long is at
+/// 1 * 10 + 0.5 * 4 = 12.
 struct Weights {
   double start;
   double length;
@@ -36,7 +37,7 @@ struct Known {
   Amount value;
 };
 
-/// From any two different edges of a box.
+/// From any two different edges of a box: two equations for start and length, solved by Cramer's rule.
 Span spanOf(const Known& one, const Known& other) {
   const Weights a = weightsOf(one.edge);
   const Weights b = weightsOf(other.edge);

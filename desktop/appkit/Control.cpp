@@ -35,15 +35,15 @@ Ref<TextField> TextField::labelWithString(String* value) {
 std::vector<std::u16string> TextField::shownLines() const {
   const std::u16string all = unitsOf(text.get());
   const double width = frame.size.width;
-  if (lineBreakMode == truncatingMiddle) return {shortenedInMiddle(all, face(), width)};
-  if (lineBreakMode != wordWrapping) return {all};
+  if (lineBreakMode == platform::NSLineBreakByTruncatingMiddle) return {shortenedInMiddle(all, face(), width)};
+  if (lineBreakMode != platform::NSLineBreakByWordWrapping) return {all};
   auto lines = wrapped(all, face(), width);
   if (maximumNumberOfLines > 0) lines.resize(std::min<std::size_t>(lines.size(), maximumNumberOfLines));
   return lines;
 }
 
 CGSize TextField::intrinsicContentSize() const {
-  const std::size_t lines = lineBreakMode == wordWrapping ? shownLines().size() : 1;
+  const std::size_t lines = lineBreakMode == platform::NSLineBreakByWordWrapping ? shownLines().size() : 1;
   return {std::ceil(textWidth(unitsOf(text.get()), face())), lineHeight(face()) * static_cast<double>(lines)};
 }
 
@@ -53,20 +53,26 @@ Ref<Button> Button::buttonWithTitle(String* title, id target, SEL action) {
 
 Ref<Button> Button::checkboxWithTitle(String* title, id target, SEL action) {
   auto button = makeButton(title, target, action);
-  button->type = switchType;
+  button->type = platform::NSButtonTypeSwitch;
   return button;
 }
 
 CGSize Button::intrinsicContentSize() const {
   const double text = std::ceil(textWidth(unitsOf(title.get()), face()));
   if (isCheckbox()) return {text + Button::checkboxTitleInset, checkboxHeight};
-  return bezelStyle == inlineBezel ? CGSize{text + inlineExtra, inlineHeight} : CGSize{text + pushExtra, pushHeight};
+  return bezelStyle == platform::NSBezelStyleInline ? CGSize{text + inlineExtra, inlineHeight}
+                                                    : CGSize{text + pushExtra, pushHeight};
+}
+
+void Button::setState(NSInteger value) {
+  itsState =
+      value != platform::NSControlStateValueOff ? platform::NSControlStateValueOn : platform::NSControlStateValueOff;
 }
 
 void Button::press() {
-  // The action may take the button out of its window.
+  // The action may take the button out of its window and so release it, as that of "Remove" does.
   const auto kept = shared(this);
-  if (isCheckbox()) setState(isOn() ? 0 : 1);
+  if (isCheckbox()) setState(isOn() ? platform::NSControlStateValueOff : platform::NSControlStateValueOn);
   sendAction(action, target, this);
 }
 

@@ -3,6 +3,7 @@
 
 #include "desktop/appkit/Image.hpp"
 #include "desktop/appkit/View.hpp"
+#include "platform/Control.hpp"
 
 namespace desktop {
 
@@ -19,9 +20,6 @@ struct Control : View {
 
 /// A label.
 struct TextField : Control {
-  static constexpr NSUInteger wordWrapping = 0;
-  static constexpr NSUInteger truncatingMiddle = 5;
-
   Ref<String> text;
   /// None for the label colour.
   const Color* textColor = nullptr;
@@ -36,8 +34,6 @@ struct TextField : Control {
 };
 
 struct Button : Control {
-  static constexpr NSUInteger switchType = 3;
-  static constexpr NSUInteger inlineBezel = 15;
   /// From a checkbox's left edge to its title: the square and a gap.
   static constexpr CGFloat checkboxTitleInset = 20;
 
@@ -47,7 +43,7 @@ struct Button : Control {
   NSUInteger type = 7;
   NSUInteger bezelStyle = 1;
   const Color* tint = nullptr;
-  NSInteger itsState = 0;
+  NSInteger itsState = platform::NSControlStateValueOff;
   /// Not owned, as on the platform.
   id target = nullptr;
   SEL action = nullptr;
@@ -60,13 +56,13 @@ struct Button : Control {
   void setTitle(String* value) { title = shared(value); }
   void setImage(Image* value) { image = shared(value); }
   void setImagePosition(NSUInteger value) { imagePosition = value; }
-  /// On for everything but 0, since no button here has a mixed state.
-  void setState(NSInteger value) { itsState = value != 0 ? 1 : 0; }
+  /// On for everything but off, since no button here has a mixed state.
+  void setState(NSInteger value);
   NSInteger state() const { return itsState; }
   CGSize intrinsicContentSize() const;
 
-  bool isCheckbox() const { return type == switchType; }
-  bool isOn() const { return itsState != 0; }
+  bool isCheckbox() const { return type == platform::NSButtonTypeSwitch; }
+  bool isOn() const { return itsState != platform::NSControlStateValueOff; }
   /// The user presses it: a checkbox changes its state, and then the action is sent.
   void press();
 };

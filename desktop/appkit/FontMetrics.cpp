@@ -29,7 +29,7 @@ int advanceOf(char16_t unit) {
   if (unit >= u' ' && unit <= u'~') return advances[unit - u' '];
   const bool isCombining = unit >= 0x300 && unit < 0x370;
   if (unit < u' ' || isCombining || isTrailing(unit)) return 0;
-  // From arrows and the signs of keys on, few characters are narrow.
+  // From U+2190 on (arrows, the signs of keys, Chinese, emoji) few characters are narrow.
   return unit >= 0x2190 || unit == ellipsis.front() ? fullWidth : otherLetter;
 }
 

@@ -73,8 +73,8 @@ Ref<Image> Image::applicationIcon() {
 
 void registerImageClass() {
   NativeClass<Image>("NSImage", "NSObject")
-      .classMethod<"imageNamed:", &Image::imageNamed>()
-      .method<"initWithContentsOfURL:", &Image::initWithContentsOfURL>()
+      .fallibleClassMethod<"imageNamed:", &Image::imageNamed>()
+      .fallibleMethod<"initWithContentsOfURL:", &Image::initWithContentsOfURL>()
       .method<"setTemplate:", &Image::setTemplate>()
       .method<"setSize:", &Image::setSize>();
 }

@@ -1,6 +1,7 @@
 #include "desktop/appkit/Layout.hpp"
 
 #include "desktop/appkit/Constraints.hpp"
+#include "platform/Constraints.hpp"
 
 #include <algorithm>
 #include <numeric>
@@ -155,11 +156,10 @@ void placeAlong(const StackView& stack) {
 
 /// A view without a width of its own is as wide as its column, as a separator is; likewise for heights in a row.
 void placeAcross(const StackView& stack, Axis axis) {
-  constexpr NSInteger leading = 5;
   const double room = along(stack.frame.size, axis);
   for (View* view : stack.arranged) {
     const double length = std::min(fittingLength(*view, axis).value_or(room), room);
-    setSpan(*view, axis, stack.alignment == leading ? 0 : (room - length) / 2, length);
+    setSpan(*view, axis, stack.alignment == platform::NSLayoutAttributeLeading ? 0 : (room - length) / 2, length);
   }
 }
 

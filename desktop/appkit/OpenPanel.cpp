@@ -6,8 +6,7 @@
 namespace desktop {
 namespace {
 
-constexpr NSInteger confirmed = 1;
-constexpr NSInteger cancelled = 0;
+constexpr NSInteger NSModalResponseCancel = 0;
 
 Ref<ContentType> contentType(std::u16string_view identifier) {
   registerAppKitClasses();
@@ -25,11 +24,11 @@ NSInteger OpenPanel::runModal() {
 
 void OpenPanel::choose(const std::string& path) {
   chosen = fileURL(path);
-  AppKit::current().answerModal(confirmed, path);
+  AppKit::current().answerModal(platform::NSModalResponseOK, path);
 }
 
 void OpenPanel::cancel() {
-  AppKit::current().answerModal(cancelled, "");
+  AppKit::current().answerModal(NSModalResponseCancel, "");
 }
 
 void registerOpenPanelClasses() {
@@ -44,7 +43,7 @@ void registerOpenPanelClasses() {
       .method<"setAllowedContentTypes:", &OpenPanel::setAllowedContentTypes>()
       .method<"setDirectoryURL:", &OpenPanel::setDirectoryURL>()
       .method<"runModal", &OpenPanel::runModal>()
-      .method<"URL", &OpenPanel::url>();
+      .fallibleMethod<"URL", &OpenPanel::url>();
 }
 
 } // namespace desktop

@@ -63,11 +63,11 @@ void registerStatusBarClasses() {
   NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
   NativeClass<StatusBarButton>("NSStatusBarButton", "NSButton");
   NativeClass<StatusItem>("NSStatusItem", "NSObject")
-      .method<"button", &StatusItem::button>()
+      .fallibleMethod<"button", &StatusItem::button>()
       .method<"setMenu:", &StatusItem::setMenu>();
   NativeClass<StatusBar>("NSStatusBar", "NSObject")
       .classMethod<"systemStatusBar", &systemStatusBar>()
-      .method<"statusItemWithLength:", &StatusBar::statusItemWithLength>();
+      .fallibleMethod<"statusItemWithLength:", &StatusBar::statusItemWithLength>();
 }
 
 } // namespace desktop

@@ -16,9 +16,9 @@ struct UpdaterController : Object {
 void registerUpdaterClass() {
   if (nativeClass<UpdaterController> != nullptr) return;
   NativeClass<UpdaterController>("SPUStandardUpdaterController", "NSObject")
-      .method<"initWithStartingUpdater:updaterDelegate:userDriverDelegate:",
-              &UpdaterController::initWithStartingUpdater>()
-      .method<"checkForUpdates:", &UpdaterController::checkForUpdates>();
+      .fallibleMethod<"initWithStartingUpdater:updaterDelegate:userDriverDelegate:",
+                      &UpdaterController::initWithStartingUpdater>()
+      .fallibleMethod<"checkForUpdates:", &UpdaterController::checkForUpdates>();
 }
 
 } // namespace desktop

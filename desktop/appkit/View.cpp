@@ -42,14 +42,19 @@ void View::removeFromSuperview() {
   View& container = *std::exchange(superview, nullptr);
   std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
   const auto isThis = [&](const auto& each) { return each.get() == this; };
-  // The last act: it may have been the last reference.
+  // The superview's reference may be the last one; this keeps the view alive to the end of the function.
   const auto kept = shared(this);
   container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
 }
 
-void View::setCompressionResistance(float priority, NSInteger axis) {
-  if (axis != 0 && axis != 1) stop("a view has two axes, 0 and 1, not " + std::to_string(axis));
-  compressionResistance[axis] = priority;
+Axis axisOf(NSInteger orientation) {
+  if (orientation == platform::NSUserInterfaceLayoutOrientationHorizontal) return Axis::Horizontal;
+  if (orientation == platform::NSUserInterfaceLayoutOrientationVertical) return Axis::Vertical;
+  stop("a view has two axes, 0 and 1, not " + std::to_string(orientation));
+}
+
+void View::setCompressionResistance(float priority, NSInteger orientation) {
+  compressionResistance[static_cast<int>(axisOf(orientation))] = priority;
 }
 
 void View::setWantsLayer(BOOL value) {
@@ -98,7 +103,7 @@ CGSize ScrollView::contentSize() const {
 
 CGSize Box::intrinsicContentSize() const {
   constexpr CGFloat separatorHeight = 5;
-  return {-1, type == separator ? separatorHeight : -1};
+  return {-1, type == platform::NSBoxSeparator ? separatorHeight : -1};
 }
 
 void forEachView(View& view, const std::function<void(View&)>& visit) {
@@ -123,7 +128,7 @@ void registerViewClasses() {
       .method<"addSubview:", &View::addSubview>()
       .method<"removeFromSuperview", &View::removeFromSuperview>()
       .method<"setWantsLayer:", &View::setWantsLayer>()
-      .method<"layer", &View::layer>()
+      .fallibleMethod<"layer", &View::layer>()
       .method<"setIdentifier:", &View::setIdentifier>()
       .method<"identifier", &View::identifier>()
       .method<"setContentCompressionResistancePriority:forOrientation:", &View::setCompressionResistance>()

@@ -8,6 +8,7 @@
 #include "desktop/appkit/ConstraintSolver.hpp"
 #include "desktop/foundation/Collections.hpp"
 #include "desktop/foundation/Strings.hpp"
+#include "platform/View.hpp"
 
 #include <deque>
 #include <functional>
@@ -17,6 +18,8 @@ namespace desktop {
 struct Constraint;
 
 enum class Axis { Horizontal, Vertical };
+/// The axis that the platform calls by a number; stops the program for any other.
+Axis axisOf(NSInteger orientation);
 
 struct View : Object {
   /// From the back to the front. A double-ended queue, so that taking them out one by one from the first takes linear
@@ -53,15 +56,12 @@ struct View : Object {
   Layer* layer() const { return itsLayer.get(); }
   void setIdentifier(String* value) { itsIdentifier = shared(value); }
   String* identifier() const { return itsIdentifier.get(); }
-  /// Along the horizontal (0) or the vertical axis (1).
-  void setCompressionResistance(float priority, NSInteger axis);
+  void setCompressionResistance(float priority, NSInteger orientation);
   /// Defined with the anchors.
   template <class Anchor, Axis axis, Edge edge> Ref<Anchor> anchor();
 };
 
 struct Box : View {
-  static constexpr NSUInteger separator = 2;
-
   NSUInteger type = 0;
 
   void setBoxType(NSUInteger value) { type = value; }
@@ -72,11 +72,11 @@ struct Box : View {
 struct StackView : View {
   std::deque<View*> arranged;
   Axis orientation = Axis::Horizontal;
-  /// A layout attribute: leading (5), centre-X (9) or centre-Y (10).
-  NSInteger alignment = 10;
+  /// A layout attribute: leading, centre-X or centre-Y.
+  NSInteger alignment = platform::NSLayoutAttributeCenterY;
   CGFloat spacing = 8;
 
-  void setOrientation(NSInteger value) { orientation = value == 0 ? Axis::Horizontal : Axis::Vertical; }
+  void setOrientation(NSInteger value) { orientation = axisOf(value); }
   void setAlignment(NSInteger value) { alignment = value; }
   void setSpacing(CGFloat value) { spacing = value; }
   void addArrangedSubview(View* view);

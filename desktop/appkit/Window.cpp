@@ -78,7 +78,7 @@ Ref<Screen> Window::screen() const {
 }
 
 bool Window::resize(CGSize size) {
-  if ((styleMask & resizable) == 0) return false;
+  if ((styleMask & platform::NSWindowStyleMaskResizable) == 0) return false;
   setContentSize({std::max(size.width, itsMinSize.width), std::max(size.height, itsMinSize.height - barHeight())});
   return true;
 }
@@ -95,23 +95,23 @@ WindowController* WindowController::initWithWindow(Window* window) {
 
 void registerWindowClasses() {
   NativeClass<Screen>("NSScreen", "NSObject")
-      .classMethod<"mainScreen", &Screen::mainScreen>()
+      .fallibleClassMethod<"mainScreen", &Screen::mainScreen>()
       .method<"visibleFrame", &Screen::visibleFrame>();
   NativeClass<Window>("NSWindow", "NSObject")
-      .method<"initWithContentRect:styleMask:backing:defer:", &Window::initWithContentRect>()
+      .fallibleMethod<"initWithContentRect:styleMask:backing:defer:", &Window::initWithContentRect>()
       .method<"setTitle:", &Window::setTitle>()
       .method<"setReleasedWhenClosed:", &Window::setReleasedWhenClosed>()
       .method<"setMinSize:", &Window::setMinSize>()
       .method<"minSize", &Window::minSize>()
       .method<"setDelegate:", &Window::setDelegate>()
-      .method<"contentView", &Window::contentView>()
+      .fallibleMethod<"contentView", &Window::contentView>()
       .method<"setContentSize:", &Window::setContentSize>()
       .method<"center", &Window::center>()
       .method<"makeKeyAndOrderFront:", &Window::makeKeyAndOrderFront>()
-      .method<"screen", &Window::screen>();
+      .fallibleMethod<"screen", &Window::screen>();
   NativeClass<WindowController>("NSWindowController", "NSObject")
-      .method<"initWithWindow:", &WindowController::initWithWindow>()
-      .method<"window", &WindowController::window>();
+      .fallibleMethod<"initWithWindow:", &WindowController::initWithWindow>()
+      .fallibleMethod<"window", &WindowController::window>();
 }
 
 } // namespace desktop

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "desktop/appkit/View.hpp"
+#include "platform/Window.hpp"
 
 namespace desktop {
 
@@ -15,8 +16,6 @@ struct Screen : Object {
 };
 
 struct Window : Object {
-  static constexpr NSUInteger titled = 1;
-  static constexpr NSUInteger resizable = 8;
   static constexpr CGFloat titleBarHeight = 28;
 
   Ref<String> title;
@@ -55,7 +54,7 @@ struct Window : Object {
   void close();
 
 private:
-  CGFloat barHeight() const { return (styleMask & titled) != 0 ? titleBarHeight : 0; }
+  CGFloat barHeight() const { return (styleMask & platform::NSWindowStyleMaskTitled) != 0 ? titleBarHeight : 0; }
 };
 
 struct WindowController : Object {

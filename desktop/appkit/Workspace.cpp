@@ -33,8 +33,9 @@ Ref<Array> runningApplicationsWithBundleIdentifier(String* identifier) {
   return found;
 }
 
-String* bundleIdentifier(RunningApplication& application) {
-  return application.identifier.get();
+Ref<String> bundleIdentifier(RunningApplication& application) {
+  const Ref<String>& own = application.identifier;
+  return !own || Applications::current().lendIdentifiers ? own : string(own->text);
 }
 
 BOOL activateWithOptions(RunningApplication& application, NSUInteger options) {
@@ -54,11 +55,11 @@ void registerWorkspaceClasses() {
   NativeClass<RunningApplication>("NSRunningApplication", "NSObject")
       .classMethod<"runningApplicationsWithBundleIdentifier:", &runningApplicationsWithBundleIdentifier>()
       .method<"bundleIdentifier", &bundleIdentifier>()
-      .method<"activateWithOptions:", &activateWithOptions>();
+      .fallibleMethod<"activateWithOptions:", &activateWithOptions>();
   NativeClass<Workspace>("NSWorkspace", "NSObject")
       .classMethod<"sharedWorkspace", &sharedWorkspace>()
       .method<"frontmostApplication", &Workspace::frontmostApplication>()
-      .method<"openURL:", &Workspace::openURL>();
+      .fallibleMethod<"openURL:", &Workspace::openURL>();
 }
 
 } // namespace desktop

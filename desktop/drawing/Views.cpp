@@ -65,7 +65,7 @@ void drawInlineButton(Svg& svg, const Button& button, CGRect frame) {
 void drawButton(Svg& svg, const Button& button, CGRect frame) {
   const Target target(svg, button.isCheckbox() ? "checkbox" : "button", unitsOf(button.title.get()), frame);
   if (button.isCheckbox()) return drawCheckbox(svg, button, frame);
-  if (button.bezelStyle == Button::inlineBezel) return drawInlineButton(svg, button, frame);
+  if (button.bezelStyle == platform::NSBezelStyleInline) return drawInlineButton(svg, button, frame);
   drawPushButton(svg, frame, button.title.get(), false);
 }
 
@@ -74,7 +74,7 @@ void drawItself(Svg& svg, View& view, CGRect frame) {
   if (const auto* button = ifIs<Button>(&view)) return drawButton(svg, *button, frame);
   if (const auto* picture = ifIs<ImageView>(&view)) {
     if (picture->image) drawImage(svg, *picture->image, frame, "label");
-  } else if (const auto* box = ifIs<Box>(&view); box != nullptr && box->type == Box::separator) {
+  } else if (const auto* box = ifIs<Box>(&view); box != nullptr && box->type == platform::NSBoxSeparator) {
     svg.rectangle({{frame.origin.x, std::floor(middleY(frame))}, {frame.size.width, 1}}, 0, "separator");
   }
 }

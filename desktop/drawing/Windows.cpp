@@ -27,7 +27,10 @@ void drawTrafficLights(Svg& svg, const Window& window, CGRect bar, bool isActive
     NSUInteger needs;
     const char* classes;
   };
-  constexpr Light lights[] = {{2, "closeLight"}, {4, "miniaturizeLight"}, {Window::resizable, "zoomLight"}};
+  constexpr NSUInteger NSWindowStyleMaskMiniaturizable = 4;
+  constexpr Light lights[] = {{platform::NSWindowStyleMaskClosable, "closeLight"},
+                              {NSWindowStyleMaskMiniaturizable, "miniaturizeLight"},
+                              {platform::NSWindowStyleMaskResizable, "zoomLight"}};
   CGPoint centre{bar.origin.x + 14, middleY(bar)};
   for (const Light& light : lights) {
     std::optional<Target> close;
@@ -167,7 +170,7 @@ void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive) {
   drawPanel(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   CGPoint content = frame.origin;
-  if ((window.styleMask & Window::titled) != 0) {
+  if ((window.styleMask & platform::NSWindowStyleMaskTitled) != 0) {
     const CGRect bar = topOf(frame, Window::titleBarHeight);
     drawTitleBar(svg, bar, window.title.get(), isActive);
     drawTrafficLights(svg, window, bar, isActive);

@@ -55,7 +55,7 @@ private:
 std::int64_t integerFrom(Cursor& cursor, unsigned size) {
   if (size > 4) cursor.fail("an integer of more than 16 bytes");
   const auto bytes = cursor.take(1U << size);
-  if (size < 3) return static_cast<std::int64_t>(bigEndian(bytes)); // short ones have no sign
+  if (size < 3) return static_cast<std::int64_t>(bigEndian(bytes)); // those of 1, 2 or 4 bytes have no sign
   const auto low = static_cast<std::int64_t>(bigEndian(bytes.substr(bytes.size() - 8)));
   const auto sign = low < 0 ? ~std::uint64_t{0} : 0;
   if (size == 4 && bigEndian(bytes.substr(0, 8)) != sign) cursor.fail("an integer that does not fit 64 bits");
@@ -88,7 +88,8 @@ public:
     }
     objects = bytes.substr(0, tableAt);
     table = bytes.substr(tableAt, objectCount * offsetSize);
-    // Objects may be shared, and sharing within shared ones can unfold to more than any memory holds.
+    // An object may be named by several containers and is then read once for each. Ten arrays, each of which names the
+    // next ten times, would be ten thousand million values: so there is an end to what a file of this size may become.
     budget = (std::size_t{1} << 20) + 8 * bytes.size();
   }
 

@@ -30,7 +30,7 @@ public:
   void operator()(bool truth) { marker(Simple, truth ? trueSize : falseSize); }
 
   void operator()(std::int64_t number) {
-    // Only integers of 8 bytes have a sign, and a negative one needs as many.
+    // In 1, 2 or 4 bytes a reader sees no sign. A negative number has its upper bits set and so gets all 8.
     const auto size = bytesFor(static_cast<std::uint64_t>(number));
     marker(Integer, static_cast<unsigned>(std::countr_zero(size)));
     append(static_cast<std::uint64_t>(number), size);

@@ -139,17 +139,17 @@ void addLoadableClass(const std::string& name, void (*registerClass)()) {
 
 void registerBundleClasses() {
   NativeClass<URL>("NSURL", "NSObject")
-      .method<"URLByAppendingPathComponent:", &URL::URLByAppendingPathComponent>()
-      .classMethod<"URLWithString:", &URLWithString>()
+      .fallibleMethod<"URLByAppendingPathComponent:", &URL::URLByAppendingPathComponent>()
+      .fallibleClassMethod<"URLWithString:", &URLWithString>()
       .classMethod<"fileURLWithPath:", &fileURLWithPath>();
   NativeClass<Bundle>("NSBundle", "NSObject")
       .classMethod<"mainBundle", &mainBundle>()
-      .method<"initWithURL:", &Bundle::initWithURL>()
+      .fallibleMethod<"initWithURL:", &Bundle::initWithURL>()
       .method<"bundleIdentifier", &Bundle::bundleIdentifier>()
-      .method<"objectForInfoDictionaryKey:", &Bundle::objectForInfoDictionaryKey>()
-      .method<"URLForResource:withExtension:", &Bundle::URLForResource>()
-      .method<"privateFrameworksURL", &Bundle::privateFrameworksURL>()
-      .method<"load", &Bundle::load>();
+      .fallibleMethod<"objectForInfoDictionaryKey:", &Bundle::objectForInfoDictionaryKey>()
+      .fallibleMethod<"URLForResource:withExtension:", &Bundle::URLForResource>()
+      .fallibleMethod<"privateFrameworksURL", &Bundle::privateFrameworksURL>()
+      .fallibleMethod<"load", &Bundle::load>();
 }
 
 } // namespace desktop

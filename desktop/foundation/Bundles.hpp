@@ -27,6 +27,7 @@ struct Bundle : Object {
   PropertyList information = PropertyList::Dictionary();
   /// Made once, so that asking for it is as cheap as on the platform.
   Ref<String> identifier;
+  /// Its identifier is asked for with every key, which is counted.
   bool isMain = false;
 
   Bundle* initWithURL(URL* url);
@@ -36,7 +37,7 @@ struct Bundle : Object {
   Ref<Object> objectForInfoDictionaryKey(String* key) const;
   Ref<URL> URLForResource(String* name, String* extension) const;
   Ref<URL> privateFrameworksURL() const;
-  /// The class of the update framework is there from now on if the executable names it; false without an executable.
+  /// The classes that the executable names are there from now on (see `addLoadableClass`); false without an executable.
   BOOL load() const;
 };
 

@@ -2,7 +2,6 @@
 
 #include "desktop/foundation/Dispatch.hpp"
 #include "desktop/foundation/Strings.hpp"
-#include "desktop/runtime/Faults.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +26,7 @@ void RunLoop::serve(const std::function<bool()>& done) {
 }
 
 void RunLoop::wait(double seconds) const {
-  // So far the clock goes; it stops there rather than run over.
+  // About 146 years: a wait beyond stops here, rather than make the clock's number overflow.
   constexpr std::int64_t lastMoment = std::int64_t{1} << 62;
   MainQueue& queue = MainQueue::current();
   const double nanoseconds = std::min(seconds * 1e9, static_cast<double>(lastMoment - queue.now));
@@ -70,8 +69,9 @@ CFTypeID CFGetTypeID(CFTypeRef object) {
   return reinterpret_cast<CFTypeID>(objectBehind<Object>(object)->isa);
 }
 
-CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex) {
-  if (Faults::current().runLoopSource) return nullptr;
+CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef, CFMachPortRef port, CFIndex order) {
+  if (order != 0) stop("a port's source of an order (" + std::to_string(order) + ") would be served out of turn");
+  if (fails("CFMachPortCreateRunLoopSource")) return nullptr;
   auto source = create<RunLoopSource>();
   source->port = shared(objectBehind<MachPort>(port));
   return referenceTo<CFRunLoopSourceRef>(source.detach());
@@ -87,7 +87,8 @@ void CFRunLoopAddSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode m
   objectBehind<RunLoopSource>(source)->port->scheduled = shared(objectBehind<RunLoopSource>(source));
 }
 
-void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode) {
+void CFRunLoopRemoveSource(CFRunLoopRef, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+  if (mode != kCFRunLoopCommonModes) stop("a source taken from other modes than the common ones would stay in these");
   objectBehind<RunLoopSource>(source)->port->scheduled = nullptr;
 }
 }

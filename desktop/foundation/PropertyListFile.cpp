@@ -68,7 +68,8 @@ public:
   void moveIntoPlace() {
     if (::rename(name.c_str(), target.c_str()) != 0) failWith("cannot be replaced", errno);
     moved = true;
-    // The name is to outlast a crash too. Where folders cannot be synchronised there is nothing better to do.
+    // So far only the contents are sure to be on disk; the folder has to be, too, for the new name to outlast a crash.
+    // Some file systems cannot do that for folders, and then nothing better can be done.
     const auto folder = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
     if (const Descriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)); directory) {
       ::fsync(directory.get());
@@ -102,7 +103,7 @@ std::optional<mode_t> permissionsOf(const std::filesystem::path& path) {
     failWith("cannot be saved", errno);
   }
   if (!S_ISREG(status.st_mode)) throw FileFault{"cannot be saved: it is not a regular file"};
-  // A rename would succeed all the same.
+  // The file is replaced by renaming, which would get past the write protection that somebody gave it.
   if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) failWith("cannot be saved", errno);
   return status.st_mode & 07777;
 }
@@ -124,7 +125,7 @@ void keepAside(const std::filesystem::path& path) {
 } // namespace
 
 std::optional<std::string> readFile(const std::filesystem::path& path) {
-  // Not to wait for the other end of a pipe, which is refused below.
+  // A named pipe is refused below; opened in the ordinary way it would make us wait until somebody writes to it.
   const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file && errno == ENOENT) return std::nullopt;
   struct stat status {};

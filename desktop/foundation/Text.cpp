@@ -76,7 +76,8 @@ std::string utf8(std::u16string_view text) {
 }
 
 std::u16string composed(std::u16string_view text) {
-  // What UTF-8 or a C string cannot carry (NUL, lone surrogates) never composes: it parts the text into pieces.
+  // The library takes UTF-8 up to a NUL. NULs and lone surrogates, which it cannot be given, compose with nothing: what
+  // lies between them is composed piece by piece.
   std::u16string result;
   std::u16string piece;
   const auto flush = [&] {

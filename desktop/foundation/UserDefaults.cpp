@@ -30,7 +30,7 @@ StandardDefaults::StandardDefaults() : Ref(create<UserDefaults>()) {
 void registerUserDefaultsClass() {
   NativeClass<UserDefaults>("NSUserDefaults", "NSObject")
       .classMethod<"standardUserDefaults", &standardUserDefaults>()
-      .method<"arrayForKey:", &UserDefaults::arrayForKey>()
+      .fallibleMethod<"arrayForKey:", &UserDefaults::arrayForKey>()
       .method<"setObject:forKey:", &UserDefaults::setObject>();
 }
 

@@ -114,7 +114,7 @@ std::optional<PropertyList::Data> dataFrom(std::string_view text) {
     bits -= 8;
     data.push_back(static_cast<std::byte>(pending >> bits));
   }
-  if (bits == 6) return std::nullopt; // a lone digit is not a byte
+  if (bits == 6) return std::nullopt; // one digit over: 6 of a byte's 8 bits
   return data;
 }
 

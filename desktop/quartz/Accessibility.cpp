@@ -17,12 +17,16 @@ namespace {
 
 // The platform's codes for a question that could not be answered.
 constexpr auto kAXErrorFailure = static_cast<AXError>(-25200);
+constexpr auto kAXErrorIllegalArgument = static_cast<AXError>(-25201);
 constexpr auto kAXErrorAttributeUnsupported = static_cast<AXError>(-25205);
 constexpr auto kAXErrorCannotComplete = static_cast<AXError>(-25204);
 constexpr auto kAXErrorNoValue = static_cast<AXError>(-25212);
 constexpr auto kAXErrorAPIDisabled = static_cast<AXError>(-25211);
 /// The platform's default messaging time-out.
 constexpr std::int64_t timeoutNanoseconds = 6'000'000'000;
+
+/// What lies where a value would be when the question failed: whoever uses or releases it is found out.
+struct Rubbish : Object {};
 
 AXError give(Ref<Object> value, CFTypeRef* result) {
   *result = static_cast<id>(value.detach());
@@ -53,12 +57,32 @@ AXError answer(AccessibilityAnswer how, const std::function<Ref<Object>()>& prop
   return give(proper(), result);
 }
 
+AXError copyValue(const AccessibilityElement* element, const std::string& attribute, CFTypeRef* value) {
+  if (element == nullptr) return kAXErrorIllegalArgument;
+  const Accessibility& accessibility = Accessibility::current();
+  const bool asksFocus = element->isSystemWide && attribute == "AXFocusedUIElement";
+  const bool asksRole = !element->isSystemWide && attribute == "AXRole";
+  if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;
+  ++(asksFocus ? Queries::current().focusedElement : Queries::current().role);
+  if (!accessibility.trusted) return kAXErrorAPIDisabled;
+  if (asksRole) {
+    return answer(
+        accessibility.roleAnswer, [&] { return string(*element->role); }, value);
+  }
+  const Applications& applications = Applications::current();
+  const auto& focused = applications.focusElsewhere ? applications.focusElsewhere : applications.frontmost;
+  if (!focused || !focused->role) return kAXErrorNoValue;
+  return answer(
+      accessibility.focusAnswer, [&] { return focusedElement(*focused); }, value);
+}
+
 } // namespace
 
 namespace desktop {
 
 void registerAccessibilityClass() {
   NativeClass<AccessibilityElement>("AXUIElement", "NSObject");
+  NativeClass<Rubbish>("result of a failed question", "NSObject");
 }
 
 } // namespace desktop
@@ -79,6 +103,7 @@ Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
 }
 
 AXUIElementRef AXUIElementCreateSystemWide() {
+  if (fails("AXUIElementCreateSystemWide")) return nullptr;
   auto element = create<AccessibilityElement>();
   element->isSystemWide = true;
   return referenceTo<AXUIElementRef>(element.detach());
@@ -88,22 +113,10 @@ CFTypeID AXUIElementGetTypeID() {
   return reinterpret_cast<CFTypeID>(nativeClass<AccessibilityElement>);
 }
 
-AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef attribute, CFTypeRef* value) {
-  const Accessibility& accessibility = Accessibility::current();
-  const auto* element = objectBehind<AccessibilityElement>(reference);
-  const std::string name = textOf(objectBehind<String>(attribute));
-  const bool asksFocus = element->isSystemWide && name == "AXFocusedUIElement";
-  const bool asksRole = !element->isSystemWide && name == "AXRole";
-  if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;
-  ++(asksFocus ? Queries::current().focusedElement : Queries::current().role);
-  if (!accessibility.trusted) return kAXErrorAPIDisabled;
-  if (asksRole) {
-    return answer(
-        accessibility.roleAnswer, [&] { return string(*element->role); }, value);
-  }
-  const auto& focused = Applications::current().frontmost;
-  if (!focused || !focused->role) return kAXErrorNoValue;
-  return answer(
-      accessibility.focusAnswer, [&] { return focusedElement(*focused); }, value);
+AXError AXUIElementCopyAttributeValue(AXUIElementRef element, CFStringRef attribute, CFTypeRef* value) {
+  const AXError error =
+      copyValue(objectBehind<AccessibilityElement>(element), textOf(objectBehind<String>(attribute)), value);
+  if (error != kAXErrorSuccess) *value = referenceTo<CFTypeRef>(create<Rubbish>().get());
+  return error;
 }
 }

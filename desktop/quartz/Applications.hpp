@@ -24,6 +24,12 @@ struct RunningApplication : Object {
 struct Applications : Part<Applications> {
   std::vector<Ref<RunningApplication>> running;
   Ref<RunningApplication> frontmost;
+  /// The application with the keyboard focus where that is not the frontmost one: a panel of an application in the
+  /// background can have it.
+  Ref<RunningApplication> focusElsewhere;
+  /// Whether the program is lent the identifier that an application has. Otherwise it is handed a copy each time, which
+  /// goes with the autorelease pool: to keep it without a reference of one's own is then found out, but costs memory.
+  bool lendIdentifiers = false;
   /// While the program runs.
   Ref<RunningApplication> tarnwick;
 

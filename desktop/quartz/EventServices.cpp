@@ -3,7 +3,6 @@
 #include "desktop/quartz/Accessibility.hpp"
 #include "desktop/quartz/Applications.hpp"
 #include "desktop/quartz/Quartz.hpp"
-#include "desktop/runtime/Faults.hpp"
 #include "desktop/runtime/Journal.hpp"
 
 namespace desktop {
@@ -71,7 +70,9 @@ void WindowServer::forgetProgram() {
 Event* WindowServer::throughTaps(Event* event) {
   for (EventTap* tap : taps) {
     if (!wants(*tap, *event)) continue;
+    const std::size_t before = autoreleasedObjects();
     event = objectBehind<Event>(tap->callback(nullptr, event->type, referenceTo<CGEventRef>(event), tap->userInfo));
+    if (autoreleasedObjects() != before) stop("a tap's callback left behind what a pool of its own would release");
     if (event == nullptr) return nullptr;
   }
   return event;
@@ -136,7 +137,7 @@ CFMachPortRef CGEventTapCreate(CGEventTapLocation location, CGEventTapPlacement 
   WindowServer& server = WindowServer::current();
   const bool granted =
       server.grant == TapGrant::Auto ? Accessibility::current().trusted : server.grant == TapGrant::Allow;
-  if (!granted) return nullptr;
+  if (!granted || fails("CGEventTapCreate")) return nullptr;
   if (options != kCGEventTapOptionDefault) stop("only active taps (option 0) are known here");
   auto tap = create<EventTap>();
   tap->location = location;
@@ -170,8 +171,7 @@ void CGEventSetIntegerValueField(CGEventRef event, CGEventField field, std::int6
 }
 
 CGEventRef CGEventCreateKeyboardEvent(CGEventSourceRef, CGKeyCode virtualKey, bool keyDown) {
-  const Faults& faults = Faults::current();
-  if (keyDown ? faults.keyDownEvent : faults.keyUpEvent) return nullptr;
+  if (fails("CGEventCreateKeyboardEvent")) return nullptr;
   auto event = makeEvent(keyDown ? kCGEventKeyDown : kCGEventKeyUp, virtualKey, WindowServer::current().heldFlags);
   return referenceTo<CGEventRef>(event.detach());
 }

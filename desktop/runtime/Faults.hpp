@@ -3,13 +3,34 @@
 
 #include "desktop/runtime/Part.hpp"
 
+#include <map>
+
 namespace desktop {
 
-/// Calls that fail on demand.
-struct Faults : Part<Faults> {
-  bool runLoopSource = false;
-  bool keyDownEvent = false;
-  bool keyUpEvent = false;
+/// Calls of the platform that answer nothing or no on demand. One goes by the platform's name: a function's, or class
+/// and selector of a message, as in "CGEventCreateKeyboardEvent" and "NSStatusItem button".
+///
+/// The calls that can fail ask `fails()`; the methods among them are registered as `fallibleMethod`.
+class Faults : public Part<Faults> {
+public:
+  static constexpr long every = 0;
+
+  /// Makes the `nth` of these calls fail, counted from 1 and from the desktop's beginning.
+  void fail(const std::string& call, long nth = every) { failing[call] = nth; }
+  /// Makes the `nth` of all calls that can fail do so, whichever it is.
+  void failAny(long nth) { failingOfAll = nth; }
+  /// The call that `failAny` made fail; empty while there were not so many.
+  const std::string& failed() const { return failedOfAll; }
+
+  /// Counts the call.
+  bool strikes(const std::string& call);
+
+private:
+  std::map<std::string, long> failing;
+  std::map<std::string, long> made;
+  long failingOfAll = -1;
+  long madeOfAll = 0;
+  std::string failedOfAll;
 };
 
 /// How often the program asked.

@@ -15,8 +15,11 @@ public:
   static Type& current() {
     if (only == nullptr) [[unlikely]]
       stop("there is no desktop to run on");
-    return *static_cast<Type*>(only);
+    return *existing();
   }
+
+  /// Null when none does.
+  static Type* existing() { return static_cast<Type*>(only); }
 
 protected:
   Part() {

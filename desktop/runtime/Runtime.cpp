@@ -1,5 +1,6 @@
 #include "desktop/runtime/Runtime.hpp"
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,8 +21,9 @@ struct Registry {
   std::set<std::string> protocols;
   /// Classes of released instances, by the class they had.
   std::unordered_map<Class, std::unique_ptr<objc_class>> released;
-  /// Memory of released instances: kept aside so that a late message finds out.
-  std::vector<void*> remains;
+  /// Memory of the last released instances, round and round: kept aside so that a late message finds out.
+  std::array<void*, 1 << 16> remains{};
+  std::size_t buried = 0;
 };
 
 Registry& registry() {
@@ -62,7 +64,8 @@ void deallocate(Object* object) {
   --cls->live;
   cls->destroy(object);
   object->isa = releasedClass(cls);
-  registry().remains.push_back(object);
+  auto& remains = registry().remains;
+  ::operator delete(std::exchange(remains[registry().buried++ % remains.size()], object));
 }
 
 id alloc(id self, SEL) {
@@ -161,6 +164,10 @@ id autorelease(id object) {
   if (poolDepth == 0) stop("a " + object->isa->name + " was autoreleased outside of any pool");
   waiting->push_back(object);
   return object;
+}
+
+std::size_t autoreleasedObjects() {
+  return waiting != nullptr ? waiting->size() : 0;
 }
 
 Object* allocate(Class cls) {
@@ -274,6 +281,7 @@ BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t a
 }
 
 Protocol* objc_getProtocol(const char* name) {
+  if (desktop::fails("objc_getProtocol")) return nullptr;
   const auto known = registry().protocols.insert(name).first;
   return reinterpret_cast<Protocol*>(const_cast<std::string*>(&*known));
 }

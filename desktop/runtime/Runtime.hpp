@@ -8,6 +8,7 @@
 #include "platform/Send.hpp"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace desktop {
@@ -21,6 +22,8 @@ using platform::NSUInteger;
 
 /// Released when the innermost pool ends.
 id autorelease(id object);
+/// How many objects wait for the end of a pool.
+std::size_t autoreleasedObjects();
 
 /// One reference to a desktop object, or none.
 template <class Type> class Ref {
@@ -192,9 +195,32 @@ requires(!(std::is_reference_v<Arguments> || ...)) struct Entry<function> {
 
 } // namespace native
 
+/// Whether a call by this name is to fail; see `Faults`.
+bool fails(const std::string& call);
+
+namespace native {
+
+/// A method, by its entry, that answers nothing or no when it is to fail; a failing initialiser releases its instance.
+template <platform::Literal selector, auto entry> struct Fallible;
+template <platform::Literal selector, class Result, class... Arguments, Result (*entry)(id, SEL, Arguments...)>
+struct Fallible<selector, entry> {
+  /// The class that it was registered for.
+  static inline const char* owner = nullptr;
+
+  static Result call(id self, SEL registered, Arguments... arguments) {
+    if (!fails(std::string(owner) + ' ' + selector.text)) return entry(self, registered, arguments...);
+    if constexpr (std::string_view(selector.text).starts_with("init")) release(static_cast<Object*>(self));
+    return Result();
+  }
+};
+
+} // namespace native
+
 /// Registers a C++ structure as a class of the desktop.
 ///
 ///   NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
+///
+/// A fallible method is one that may answer nothing or no on the platform, and here when a test wants it.
 ///
 /// A method returning a plain pointer lends what the receiver keeps (or, for an initialiser, gives back the receiver);
 /// one returning `Ref` autoreleases its result.
@@ -210,14 +236,28 @@ public:
   }
 
   template <platform::Literal selector, auto member> NativeClass& method() { return add<selector, member>(cls); }
+  template <platform::Literal selector, auto member> NativeClass& fallibleMethod() {
+    return addFallible<selector, member>(cls);
+  }
   template <platform::Literal selector, auto function> NativeClass& classMethod() {
     return add<selector, function>(cls->isa);
+  }
+  template <platform::Literal selector, auto function> NativeClass& fallibleClassMethod() {
+    return addFallible<selector, function>(cls->isa);
   }
 
 private:
   template <platform::Literal selector, auto member> NativeClass& add(Class to) {
     using Entry = native::Entry<member>;
     class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Entry::call),
+                    Entry::Signature::encoding.text);
+    return *this;
+  }
+  template <platform::Literal selector, auto member> NativeClass& addFallible(Class to) {
+    using Entry = native::Entry<member>;
+    using Fallible = native::Fallible<selector, &Entry::call>;
+    Fallible::owner = cls->name.c_str();
+    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Fallible::call),
                     Entry::Signature::encoding.text);
     return *this;
   }

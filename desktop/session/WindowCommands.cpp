@@ -22,7 +22,7 @@ JournalEntry entryOf(View& view) {
                                 : JournalEntry{"button", title};
   }
   const auto* box = ifIs<Box>(&view);
-  return box != nullptr && box->type == Box::separator ? JournalEntry{"separator"} : JournalEntry{};
+  return box != nullptr && box->type == platform::NSBoxSeparator ? JournalEntry{"separator"} : JournalEntry{};
 }
 
 } // namespace

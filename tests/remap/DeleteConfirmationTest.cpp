@@ -97,9 +97,9 @@ TEST(Confirmation, EndsAsTheUserAndTheDesktopWill) {
 }
 
 TEST(Confirmation, NeverPostsHalfAKeyPress) {
-  for (bool Faults::*fault : {&Faults::keyDownEvent, &Faults::keyUpEvent}) {
+  for (const long nth : {1, 2}) {
     TestDesktop own;
-    own.machine.faults.*fault = true;
+    own.machine.faults.fail("CGEventCreateKeyboardEvent", nth);
     EXPECT_EQ(play(own, {"press forwarddelete\n click \"Move to Bin\"\n wait 1"}),
               swallowed + alert + consent + forward);
   }

@@ -72,7 +72,7 @@ TEST_F(EventTapTest, MayBeRefused) {
 
 TEST_F(EventTapTest, SeesNothingWithoutARunLoopSource) {
   remapper->stop();
-  desktop.machine.faults.runLoopSource = true;
+  desktop.machine.faults.fail("CFMachPortCreateRunLoopSource");
   EXPECT_TRUE(remapper->start());
   EXPECT_FALSE(tap().scheduled);
   EXPECT_EQ(tap().asked, std::nullopt) << "what is on no run loop is not enabled either";

@@ -1,0 +1,20 @@
+#include "desktop/runtime/Faults.hpp"
+
+namespace desktop {
+
+bool Faults::strikes(const std::string& call) {
+  if (++madeOfAll == failingOfAll) {
+    failedOfAll = call;
+    return true;
+  }
+  const long number = ++made[call];
+  const auto found = failing.find(call);
+  return found != failing.end() && (found->second == every || found->second == number);
+}
+
+bool fails(const std::string& call) {
+  Faults* const faults = Faults::existing();
+  return faults != nullptr && faults->strikes(call);
+}
+
+} // namespace desktop
