@@ -3,6 +3,7 @@
 #include "desktop/runtime/Runtime.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 #include <string_view>
 
 namespace shipped {
@@ -21,17 +22,22 @@ constexpr bool memoryDiffers = true;
 #endif
 constexpr std::ptrdiff_t floatRegisters = 8;
 
+std::string quoted(SEL selector) {
+  try {
+    return std::string("'") + desktop::selectorText(selector) + "'";
+  } catch (const std::out_of_range&) {
+    return "that nobody has registered";
+  }
+}
+
 std::string described(id receiver, SEL selector) {
   const Class cls = receiver->isa;
-  return std::string("'") + desktop::selectorText(selector) + "' of " + (cls->isMeta ? "the class " : "a ") + cls->name;
+  return quoted(selector) + " of " + (cls->isMeta ? "the class " : "a ") + cls->name;
 }
 
 /// The method in `start` or above it.
 const desktop::Method& find(id receiver, Class start, SEL selector) {
-  if (receiver->isa->isReleased) {
-    desktop::stop(std::string("message '") + desktop::selectorText(selector) + "' to a released " +
-                  receiver->isa->name);
-  }
+  if (receiver->isa->isReleased) desktop::stop("message " + quoted(selector) + " to a released " + receiver->isa->name);
   for (Class cls = start; cls != nullptr; cls = cls->superclass) {
     cls->isUsed = true;
     const auto found = cls->methods.find(selector);
@@ -56,7 +62,7 @@ bool travelsInRegisters(std::string_view encoding) {
 }
 
 Target target(id receiver, Class start, SEL selector, bool throughMemory) {
-  if (receiver == nullptr) desktop::stop(std::string("message '") + desktop::selectorText(selector) + "' to nothing");
+  if (receiver == nullptr) desktop::stop("message " + quoted(selector) + " to nothing");
   const desktop::Method& method = find(receiver, start != nullptr ? start : receiver->isa, selector);
   const std::string& encoding = method.encoding;
   if ((rectanglesTravelThroughMemory && encoding.starts_with("{CGRect")) != throughMemory)
