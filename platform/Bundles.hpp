@@ -23,13 +23,14 @@ public:
 class NSBundle : public NSObject {
 public:
   using NSObject::NSObject;
-  /// It lives as long as the process.
-  static Lent<NSBundle> mainBundle() { return send<"mainBundle", Lent<NSBundle>>(theClass<"NSBundle">); }
+  static const NSBundle& mainBundle() {
+    return madeOnce<[] { return send<"mainBundle", NSBundle>(theClass<"NSBundle">); }>();
+  }
   /// Empty when there is no folder at that place.
   static NSBundle withURL(const NSURL& url) { return make<"NSBundle", "initWithURL:", NSBundle>(url); }
 
   /// Empty when the bundle names none.
-  [[nodiscard]] NSString bundleIdentifier() const { return send<"bundleIdentifier", NSString>(*this); }
+  [[nodiscard]] Lent<NSString> bundleIdentifier() const { return send<"bundleIdentifier", Lent<NSString>>(*this); }
   [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
     return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
   }

@@ -10,6 +10,18 @@ namespace platform {
 
 inline constexpr NSUInteger NSUTF8StringEncoding = 4;
 
+template <auto make> [[gnu::cold, gnu::noinline]] const auto* madeNow() {
+  return new auto(make());
+}
+
+/// What `make` answers, made on first use and kept as long as the process: for objects of which there is one. Main
+/// thread only; not a guarded static, so that the key path stays short.
+template <auto make> const auto& madeOnce() {
+  static const decltype(make())* made = nullptr;
+  if (made == nullptr) made = madeNow<make>();
+  return *made;
+}
+
 /// A text of UTF-16 units. Equality is that of the units: no case folding, no normalisation.
 class NSString : public NSObject {
 public:
@@ -24,12 +36,9 @@ public:
   // Implicit: a literal stands for its text.
   NSString(const char* utf8) : NSString(std::string_view(utf8)) {}
 
-  /// A constant, made once and never released, so that the key path can compare with it.
+  /// A constant, made once, so that the key path can compare with it.
   template <Literal text> static const NSString& constant() {
-    // Not a guarded static, so that the key path stays short: the program is on the main thread.
-    static const NSString* made = nullptr;
-    if (made == nullptr) made = new NSString(text.text);
-    return *made;
+    return madeOnce<[] { return NSString(text.text); }>();
   }
   /// The same object under its CoreFoundation name; still owned by this value.
   [[nodiscard]] CFStringRef asCFString() const { return reinterpret_cast<CFStringRef>(object()); }
@@ -64,15 +73,22 @@ struct NSStringHash {
   std::size_t operator()(const NSString& text) const { return CFHash(text.object()); }
 };
 
-/// The object under its Objective-C name, shared.
+/// The object under its Objective-C name.
+inline id objectOf(CFTypeRef reference) {
+  return static_cast<id>(const_cast<void*>(reference));
+}
+/// The same, shared.
 inline NSObject sharing(CFTypeRef reference) {
-  return {share, static_cast<id>(const_cast<void*>(reference))};
+  return {share, objectOf(reference)};
+}
+
+inline bool isString(const NSObject& value) {
+  return send<"isKindOfClass:", BOOL>(value, theClass<"NSString">) != NO;
 }
 
 /// `value` when it is a string, else no string.
 inline NSString asString(const NSObject& value) {
-  const bool isString = send<"isKindOfClass:", BOOL>(value, theClass<"NSString">);
-  return isString ? NSString(share, value.object()) : NSString();
+  return isString(value) ? NSString(share, value.object()) : NSString();
 }
 
 } // namespace platform

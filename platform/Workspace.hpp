@@ -21,11 +21,8 @@ public:
 class NSWorkspace : public NSObject {
 public:
   using NSObject::NSObject;
-  /// One for the life of the process, made as `NSString::constant` is.
   static const NSWorkspace& sharedWorkspace() {
-    static const NSWorkspace* shared = nullptr;
-    if (shared == nullptr) shared = new NSWorkspace(send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">));
-    return *shared;
+    return madeOnce<[] { return send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">); }>();
   }
 
   /// The application that receives key presses, or none.

@@ -23,8 +23,8 @@ bool KeyRemapper::isTypingInEditableField() const {
   if (!focused || CFGetTypeID(focused.get()) != AXUIElementGetTypeID()) return false;
 
   const auto value = attribute(static_cast<AXUIElementRef>(focused.get()), NSString::constant<"AXRole">());
-  const NSString role = asString(sharing(value.get()));
-  if (!role) return false;
+  const Lent<NSString> role(objectOf(value.get()));
+  if (!isString(role)) return false;
   return role == NSString::constant<"AXTextField">() || role == NSString::constant<"AXTextArea">() ||
          role == NSString::constant<"AXComboBox">();
 }

@@ -96,6 +96,12 @@ void Bundle::open(const std::filesystem::path& path) {
   identifier = shared(ifIs<String>(objectForInfoDictionaryKey(string(u"CFBundleIdentifier").get()).get()));
 }
 
+void Bundle::close() {
+  folder.clear();
+  information = PropertyList::Dictionary();
+  identifier = nullptr;
+}
+
 String* Bundle::bundleIdentifier() const {
   if (isMain) ++Queries::current().ownIdentifier;
   return identifier.get();
@@ -129,8 +135,14 @@ BOOL Bundle::load() const {
   return isThere(executable);
 }
 
-MainBundle::MainBundle() : Ref(create<Bundle>()) {
-  get()->isMain = true;
+MainBundle::MainBundle() {
+  static Bundle* const bundle = create<Bundle>().detach();
+  bundle->isMain = true;
+  Ref<Bundle>::operator=(shared(bundle));
+}
+
+MainBundle::~MainBundle() {
+  get()->close();
 }
 
 void addLoadableClass(const std::string& name, void (*registerClass)()) {

@@ -33,6 +33,8 @@ struct Bundle : Object {
   Bundle* initWithURL(URL* url);
   /// Whatever the folder lacks is missing, nothing more.
   void open(const std::filesystem::path& path);
+  /// As before it was opened.
+  void close();
   String* bundleIdentifier() const;
   Ref<Object> objectForInfoDictionaryKey(String* key) const;
   Ref<URL> URLForResource(String* name, String* extension) const;
@@ -41,9 +43,11 @@ struct Bundle : Object {
   BOOL load() const;
 };
 
-/// The program's own bundle, without a folder until it is opened.
+/// The program's own bundle, without a folder until it is opened. As on the platform it is one object for the life of
+/// the process, which the program may hold; with its desktop it is closed.
 struct MainBundle : Part<MainBundle>, Ref<Bundle> {
   MainBundle();
+  ~MainBundle();
 };
 
 /// The bundles of applications that have been started, which have no folder here: their identifiers by the path that

@@ -27,7 +27,7 @@ STEADY = 3  # key-downs after which nothing is done for the first time
 
 @dataclass
 class Cost:
-    calls: Counter  # of the platform, by name
+    calls: list  # names of the platform's functions, in their order
     instructions: int  # the program's own, with those that lead to its calls
 
 
@@ -41,9 +41,13 @@ def cost(processor, situation):
         for count in (STEADY, STEADY + 1):
             (folder / "session").write_text("\n".join([before, *[f"down {key}"] * count, ""]))
             runs.append(execution.executed(processor, "--defaults", "defaults.plist", "session", folder=folder))
+    without, with_key = runs
+    start = next((place for place, pair in enumerate(zip(without, with_key)) if pair[0] != pair[1]), len(without))
+    key = with_key[start:start + len(with_key) - len(without)]
+    if with_key != without[:start] + key + without[start:]:
+        raise execution.ExecutionError(f"{situation}: the program does something else each time")
     imports = execution.program(processor).imports
-    calls = [Counter(imports[place] for place in run if place in imports) for run in runs]
-    return Cost(calls[1] - calls[0], len(runs[1]) - len(runs[0]))
+    return Cost([imports[place] for place in key if place in imports], len(key))
 
 
 def main():
@@ -51,8 +55,8 @@ def main():
     print(f"{'one key-down':20}{'calls':>8}{'x86-64':>10}{'arm64':>10}   the program's own instructions")
     for situation in SITUATIONS:
         costs = [cost(processor, situation) for processor in ("x86_64", "arm64")]
-        print(f"{situation:20}{costs[0].calls.total():8}{costs[0].instructions:10}{costs[1].instructions:10}")
-        for name, count in sorted(costs[0].calls.items()):
+        print(f"{situation:20}{len(costs[0].calls):8}{costs[0].instructions:10}{costs[1].instructions:10}")
+        for name, count in Counter(costs[0].calls).items():
             print(f"{count:28}  {name}")
     return 0
 
