@@ -56,21 +56,21 @@ String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger e
 }
 
 NSUInteger String::hash() const {
-  constexpr NSUInteger prime = 0x9E3779B97F4A7C15;
-  constexpr std::size_t step = sizeof(NSUInteger) / sizeof(char16_t);
+  constexpr std::uint64_t prime = 0x9E3779B97F4A7C15;
+  constexpr std::size_t step = sizeof(std::uint64_t) / sizeof(char16_t);
   const char16_t* units = text.data();
   std::size_t left = text.size();
-  NSUInteger hash = left;
+  std::uint64_t hash = left;
   for (; left >= step; left -= step, units += step) {
-    NSUInteger chunk = 0;
+    std::uint64_t chunk = 0;
     std::memcpy(&chunk, units, sizeof chunk);
     hash = (hash ^ chunk) * prime;
   }
-  NSUInteger rest = 0;
+  std::uint64_t rest = 0;
   for (; left > 0; --left)
     rest = rest << 16 | *units++;
   hash = (hash ^ rest) * prime;
-  return hash ^ hash >> 32;
+  return static_cast<NSUInteger>(hash ^ hash >> 32);
 }
 
 BOOL String::isEqualToString(String* other) const {

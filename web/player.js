@@ -1,0 +1,92 @@
+'use strict';
+// Plays sessions with the program in the stand-in desktop, compiled to WebAssembly. Each play is a fresh instance that
+// lives from the beginning of its session to the end.
+
+function textOf(id) {
+  return document.getElementById(id).textContent;
+}
+function bytesFrom(base64) {
+  return Uint8Array.from(atob(base64), letter => letter.charCodeAt(0));
+}
+function unpacked(bytes) {
+  return new Response(new Blob([bytes]).stream().pipeThrough(new DecompressionStream('gzip')));
+}
+
+class Player {
+  /** Lines that one play may print: nobody reads more, and a session can ask for any number of key presses. */
+  static limit = 100000;
+
+  static async load() {
+    return new Player(await WebAssembly.compile(await unpacked(bytesFrom(textOf('module'))).arrayBuffer()));
+  }
+
+  constructor(module) {
+    this.module = module;
+    this.bundled = Object.fromEntries(
+      Object.entries(JSON.parse(textOf('bundle'))).map(([name, base64]) => [name, bytesFrom(base64)]));
+    // One memory for all plays, since browsers are slow to take memories back; so one play follows the other.
+    this.memory = new WebAssembly.Memory({initial: 64, maximum: 32768});
+    this.last = Promise.resolve();
+  }
+
+  /**
+   * What the command would print to its two outputs, its exit status, and what the last `draw` of the session drew.
+   * `defaults` are the bytes or the text of a defaults file. `files` lie beside the session, each under its path, and
+   * `bundle` may be one of their folders.
+   */
+  play(session, options = {}) {
+    const played = this.last.then(() => this.run(session, options));
+    this.last = played.catch(() => {});
+    return played;
+  }
+
+  async run(session, {trace = false, defaults = null, files: beside = {}, bundle = '/Tarnwick.app'}) {
+    new Uint8Array(this.memory.buffer).fill(0);
+    const output = [];
+    const complaints = [];
+    const program = await this.instance(line => output.push(line), line => complaints.push(line));
+    const files = program.FS;
+    const given = {...this.bundled, ...beside, '/session': session, '/defaults/stored.plist': defaults ?? ''};
+    for (const [name, content] of Object.entries(given)) {
+      files.mkdirTree(name.slice(0, name.lastIndexOf('/')) || '/');
+      files.writeFile(name, content);
+    }
+    const picture = lastPicture(files);
+    const write = files.write;
+    files.write = (...what) => {
+      if (output.length > Player.limit) throw new Error('The session prints more than this page can hold.');
+      return write(...what);
+    };
+
+    const options = ['--bundle', bundle];
+    if (trace) options.push('--trace');
+    if (defaults !== null) options.push('--defaults', '/defaults/stored.plist');
+    const status = program.callMain([...options, 'session']);
+    const text = lines => lines.map(line => `${line}\n`).join('');
+    return {output: text(output), complaints: text(complaints), status, picture: picture()};
+  }
+
+  instance(print, printErr) {
+    return new Promise((resolve, reject) => makeTarnwick({
+      print, printErr,
+      wasmMemory: this.memory,
+      instantiateWasm: (imports, done) => {
+        WebAssembly.instantiate(this.module, imports).then(instance => done(instance, this.module), reject);
+        return {};
+      },
+    }).then(resolve, reject));
+  }
+}
+
+/** Watches what is written from now on, and answers the last of it when asked: pictures, and defaults aside. */
+function lastPicture(files) {
+  const open = files.open;
+  let last = null;
+  files.open = (path, flags, ...rest) => {
+    const stream = open(path, flags, ...rest);
+    const isWritten = (stream.flags & 3) !== 0 && files.isFile(stream.node.mode);
+    if (isWritten && !stream.path.startsWith('/defaults/')) last = stream.path;
+    return stream;
+  };
+  return () => last === null ? '' : files.readFile(last, {encoding: 'utf8'});
+}
