@@ -222,10 +222,10 @@ class Declarations:
 
     def check_texts(self):
         """Accessibility's names are texts; a wrong one is silently unknown there. A variable's text is its name without
-        the k, and the types of its objects have names of that kind too."""
+        the k; functions, which the stand-in lets fail by name, and the type of its objects have such names too."""
         known = {value.strip('"') for values in self.facts.constants.values() for value in values
                  if value.startswith('"AX')}
-        known |= {name.removeprefix("k") for name in self.facts.variables} | {"AXUIElement"}
+        known |= {name.removeprefix("k") for name in self.facts.variables} | set(self.facts.functions) | {"AXUIElement"}
         for file, text in self.sources.items():
             for name in sorted(set(ACCESSIBILITY_TEXT.findall(text)) - known):
                 yield f'{file}: Accessibility knows no "{name}"{close_to(name, known)}'
