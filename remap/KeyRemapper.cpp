@@ -7,7 +7,7 @@ namespace tarnwick {
 using namespace platform;
 
 std::shared_ptr<KeyRemapper> KeyRemapper::make() {
-  const std::shared_ptr<KeyRemapper> made(new KeyRemapper);
+  std::shared_ptr<KeyRemapper> made(new KeyRemapper);
   made->self = made;
   return made;
 }
