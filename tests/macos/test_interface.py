@@ -12,6 +12,7 @@ from macos.interface.facts import Facts
 
 CORRECT = """
 #include "platform/Alert.hpp"
+#include "platform/Application.hpp"
 #include "platform/Workspace.hpp"
 #include "platform/EventServices.hpp"
 #include "platform/RuntimeClass.hpp"
