@@ -183,7 +183,7 @@ class Failures(Case):
         self.expect_refusal(mac_program("int main(void) { for (;;) ; }\n"), "has computed for too long and was ended")
         self.expect_refusal(mac_program("int main(void) { __builtin_trap(); }\n"), "an instruction that stops it")
         self.expect_refusal(mac_program("int main(void) { return *(volatile int *)8; }\n"), "memory that is not there")
-        deep = "int main(void) { volatile char part[1024] = {1}; return main() + part[0]; }\n"
+        deep = "int main(void) { volatile int part = 1; return main() + part; }\n"
         self.expect_refusal(mac_program(deep), "memory that is not there")
 
     def test_messages(self):
