@@ -178,6 +178,8 @@ class Visitors(BrowserTest):
         for expected in (("checkbox", "Bold (Ctrl+B)"), ("button", "Close Tarnwick Settings"),
                          ("button", "Remove com.example.mail"), ("button", "Tarnwick menu"), ("menuitem", "Settings…")):
             self.assertIn(expected, named)
+        # What is folded away has no name until it is shown.
+        self.browser.execute_script("document.querySelector('details').open = true")
         for element in self.browser.find_elements(By.CSS_SELECTOR, "button, textarea, summary, [tabindex]"):
             self.assertTrue(element.accessible_name, element.get_attribute("outerHTML")[:80])
 
