@@ -126,7 +126,8 @@ TEST_F(DrawingTest, OnlyWhatNothingLiesOverIsMarked) {
        "\ncancel\nfront Finder\npress forwarddelete\ndraw " + file("alert"));
   const auto marks = [&](const char* name) {
     std::set<std::string> found;
-    for (const auto& match : matchesIn(drawn(name), "<g data-(?!scroll|travel)([^>]+)>"))
+    const std::string picture = drawn(name); // the matches point into it
+    for (const auto& match : matchesIn(picture, "<g data-(?!scroll|travel)([^>]+)>"))
       found.insert(match[1]);
     return found;
   };
