@@ -51,15 +51,15 @@ PropertyList exemptions(long count, bool withEditor) {
   return list;
 }
 
-struct Typed {
+struct Key {
   std::uint16_t code;
   CGEventFlags flags;
 };
-constexpr Typed letter{kVK_ANSI_A, 0};
-constexpr Typed shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
+constexpr Key letter{kVK_ANSI_A, 0};
+constexpr Key shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
 
 /// Key-downs of `typed` with `application` in front and so many exempt applications.
-void event(benchmark::State& state, Typed typed, const char* application, bool exempt) {
+void event(benchmark::State& state, Key typed, const char* application, bool exempt) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.mainBundle->open(TARNWICK_BUNDLE);
@@ -132,7 +132,8 @@ BENCHMARK_CAPTURE(event, finder_in_front, letter, "Finder", false)->Arg(0)->Appl
 } // namespace
 
 int main(int count, char** words) {
-  // Mixed, so that whatever else the machine does meets all of them alike. Given words overrule these.
+  // In mixed order, so that what else the machine does slows down all measurements alike. Words of the command line
+  // come after these, and so overrule them.
   std::vector<std::string> texts{words[0], "--benchmark_repetitions=25", "--benchmark_min_time=0.02",
                                  "--benchmark_enable_random_interleaving=true",
                                  "--benchmark_display_aggregates_only=true"};

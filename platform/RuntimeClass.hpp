@@ -34,18 +34,19 @@ private:
 
 namespace wire {
 
-template <auto member> struct Entry;
+/// What the run-time calls for a message to an instance of the program's own classes.
+template <auto member> struct OwnMethod;
 
-template <class State, class Result, class... Arguments, Result (State::*member)(Arguments...)> struct Entry<member> {
-  static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
+template <class State, class Result, class... Arguments, Result (State::*member)(Arguments...)>
+struct OwnMethod<member> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
     const AutoreleasePool pool;
     return (InstanceState<State>::of(self).*member)(Passing<Arguments>::in(arguments)...);
   }
 };
 
-template <class Result, class... Arguments, Result (*function)(id, Arguments...)> struct Entry<function> {
-  static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
+template <class Result, class... Arguments, Result (*function)(id, Arguments...)>
+struct OwnMethod<function> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) noexcept {
     const AutoreleasePool pool;
     return function(self, Passing<Arguments>::in(arguments)...);
@@ -72,8 +73,8 @@ public:
   }
 
   template <Literal selector, auto member> RuntimeClass& method() {
-    using Entry = wire::Entry<member>;
-    class_addMethod(cls, selectorNamed<selector>(), reinterpret_cast<IMP>(&Entry::call), Entry::encoding.text);
+    using Own = wire::OwnMethod<member>;
+    class_addMethod(cls, selectorNamed<selector>(), reinterpret_cast<IMP>(&Own::call), Own::encoding.text);
     return *this;
   }
 

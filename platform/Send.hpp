@@ -105,6 +105,11 @@ template <> struct Passing<std::nullptr_t> {
 };
 template <class Type> using Sent = typename Passing<Type>::Sent;
 
+/// Base of what implements a method: how the platform knows the type of a C++ function's result and arguments.
+template <class Result, class... Arguments> struct MethodType {
+  static constexpr auto encoding = methodEncoding<Sent<Result>, Sent<Arguments>...>;
+};
+
 template <class Receiver> id target(const Receiver& receiver) {
   return reinterpret_cast<id>(Passing<Receiver>::out(receiver));
 }

@@ -27,6 +27,7 @@ CGEventRef KeyRemapper::tapCallback(CGEventTapProxy proxy, CGEventType type, CGE
                                     void* userInfo) noexcept {
   if (userInfo == nullptr) return event;
   const platform::AutoreleasePool pool;
+  // Never empty: whoever started the tap stops it before letting go of the remapper.
   const auto remapper = static_cast<KeyRemapper*>(userInfo)->self.lock();
   return remapper->handleEvent(proxy, type, event);
 }

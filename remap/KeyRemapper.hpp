@@ -74,6 +74,7 @@ private:
       {kVK_LeftArrow, &KeyRemapper::mapWordSkip},
       {kVK_RightArrow, &KeyRemapper::mapWordSkip},
   };
+  static_assert(!commandKeyCodes.sharesKeyWith(optionKeyCodes), "a key stands in both tables");
   /// The modifiers that the rules count as held.
   static constexpr CGEventFlags primaryModifierFlags =
       kCGEventFlagMaskShift | kCGEventFlagMaskControl | kCGEventFlagMaskAlternate | kCGEventFlagMaskCommand;

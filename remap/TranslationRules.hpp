@@ -52,6 +52,13 @@ public:
     }
   }
 
+  [[nodiscard]] constexpr bool sharesKeyWith(const KeyCodeTable& other) const {
+    for (std::int64_t code = 0; code < keys; ++code) {
+      if (find(code) != nullptr && other.find(code) != nullptr) return true;
+    }
+    return false;
+  }
+
   /// Null for keys that the rule does not know.
   [[nodiscard]] constexpr Switch find(std::int64_t code) const {
     return code >= 0 && code < keys ? gates[code] : nullptr;

@@ -24,6 +24,8 @@ struct AppKit : Part<AppKit> {
   Ref<Application> application;
   /// Visible frame of the main screen; none without a screen.
   std::optional<CGSize> screen = CGSize{1440, 815};
+  /// That of another screen, which a window is on before it is shown; none while there is only the main one.
+  std::optional<CGSize> otherScreen;
   bool isTerminated = false;
   /// Not owned: each leaves when it goes.
   std::vector<StatusItem*> statusItems;

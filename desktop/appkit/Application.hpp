@@ -5,10 +5,13 @@
 
 namespace desktop {
 
+/// What an application begins with: in the Dock.
+inline constexpr NSInteger NSApplicationActivationPolicyRegular = 0;
+
 struct Application : Object {
   /// Not owned, as on the platform.
   id delegate = nullptr;
-  NSInteger activationPolicy = 0;
+  NSInteger activationPolicy = NSApplicationActivationPolicyRegular;
 
   void setDelegate(id value);
   BOOL setActivationPolicy(NSInteger policy);

@@ -7,10 +7,16 @@
 
 namespace desktop {
 
+// What controls begin with.
+inline constexpr NSUInteger NSLineBreakByClipping = 2;
+inline constexpr NSUInteger NSButtonTypeMomentaryPushIn = 7;
+inline constexpr NSUInteger NSBezelStyleRounded = 1;
+inline constexpr NSUInteger NSImageScaleProportionallyDown = 0;
+
 /// A view that the user acts on, or that shows one value.
 struct Control : View {
   Ref<Font> font;
-  NSUInteger lineBreakMode = 2;
+  NSUInteger lineBreakMode = NSLineBreakByClipping;
 
   void setFont(Font* value) { font = shared(value); }
   void setLineBreakMode(NSUInteger value) { lineBreakMode = value; }
@@ -39,9 +45,10 @@ struct Button : Control {
 
   Ref<String> title;
   Ref<Image> image;
+  /// Beside the title stands no image until the platform is told where.
   NSUInteger imagePosition = 0;
-  NSUInteger type = 7;
-  NSUInteger bezelStyle = 1;
+  NSUInteger type = NSButtonTypeMomentaryPushIn;
+  NSUInteger bezelStyle = NSBezelStyleRounded;
   const Color* tint = nullptr;
   NSInteger itsState = platform::NSControlStateValueOff;
   /// Not owned, as on the platform.
@@ -70,7 +77,7 @@ struct Button : Control {
 struct ImageView : Control {
   /// None for an empty view.
   Ref<Image> image;
-  NSUInteger scaling = 0;
+  NSUInteger scaling = NSImageScaleProportionallyDown;
 
   void setImage(Image* value) { image = shared(value); }
   void setImageScaling(NSUInteger value) { scaling = value; }

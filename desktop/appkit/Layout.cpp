@@ -119,16 +119,15 @@ double stackLength(const StackView& stack, Axis axis) {
   return axis == stack.orientation ? sum : longest;
 }
 
-/// Takes what is too much from the views that hold their content least. At the platform's default of 750 they hold it
-/// against the stack, and stand out at its end.
+/// Takes what is too much from the views that hold their content least. At the platform's default they hold it against
+/// the stack, and stand out at its end.
 void shorten(const StackView& stack, std::vector<double>& lengths, double excess) {
-  constexpr float holdsContent = 750;
   const auto resistance = [&](std::size_t index) {
     return stack.arranged[index]->compressionResistance[static_cast<int>(stack.orientation)];
   };
   std::vector<std::size_t> order(lengths.size());
   std::iota(order.begin(), order.end(), std::size_t{0});
-  std::erase_if(order, [&](std::size_t index) { return resistance(index) >= holdsContent; });
+  std::erase_if(order, [&](std::size_t index) { return resistance(index) >= NSLayoutPriorityDefaultHigh; });
   std::stable_sort(order.begin(), order.end(),
                    [&](auto one, auto other) { return resistance(one) < resistance(other); });
   for (const std::size_t index : order) {

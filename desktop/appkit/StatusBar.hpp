@@ -31,7 +31,7 @@ struct Menu : Object {
 
 struct StatusBarButton : Button {};
 
-/// In the status bar while somebody keeps it.
+/// One place in the status bar, with a button and the menu that hangs from it. It leaves the bar with its last owner.
 struct StatusItem : Object {
   CGFloat length = 0;
   Ref<StatusBarButton> itsButton;

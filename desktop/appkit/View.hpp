@@ -17,6 +17,10 @@ namespace desktop {
 
 struct Constraint;
 
+// What views begin with.
+inline constexpr float NSLayoutPriorityDefaultHigh = 750;
+inline constexpr NSUInteger NSBoxPrimary = 0;
+
 enum class Axis { Horizontal, Vertical };
 /// The axis that the platform calls by a number; stops the program for any other.
 Axis axisOf(NSInteger orientation);
@@ -34,7 +38,7 @@ struct View : Object {
   Ref<String> itsIdentifier;
   Ref<Layer> itsLayer;
   /// How firmly the view holds its content's width and height, up to 1000.
-  float compressionResistance[2] = {750, 750};
+  float compressionResistance[2] = {NSLayoutPriorityDefaultHigh, NSLayoutPriorityDefaultHigh};
   /// Active constraints between this view, its subviews or both.
   std::vector<Ref<Constraint>> constraints;
 
@@ -62,7 +66,7 @@ struct View : Object {
 };
 
 struct Box : View {
-  NSUInteger type = 0;
+  NSUInteger type = NSBoxPrimary;
 
   void setBoxType(NSUInteger value) { type = value; }
   CGSize intrinsicContentSize() const;

@@ -7,11 +7,15 @@
 
 namespace desktop {
 
-Ref<Screen> Screen::mainScreen() {
-  if (!AppKit::current().screen) return nullptr;
+Ref<Screen> Screen::ofVisible(const std::optional<CGSize>& size) {
+  if (!size) return nullptr;
   auto screen = create<Screen>();
-  screen->itsVisibleFrame = {{0, 0}, *AppKit::current().screen};
+  screen->itsVisibleFrame = {{0, 0}, *size};
   return screen;
+}
+
+Ref<Screen> Screen::mainScreen() {
+  return ofVisible(AppKit::current().screen);
 }
 
 Window::~Window() {
@@ -74,7 +78,7 @@ bool Window::isVisible() const {
 }
 
 Ref<Screen> Window::screen() const {
-  return isVisible() ? Screen::mainScreen() : nullptr;
+  return isVisible() ? Screen::mainScreen() : Screen::ofVisible(AppKit::current().otherScreen);
 }
 
 bool Window::resize(CGSize size) {

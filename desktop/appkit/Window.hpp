@@ -6,11 +6,12 @@
 
 namespace desktop {
 
-/// The main screen. Its origin is the bottom left corner of the visible frame.
+/// A screen. Its origin is the bottom left corner of the visible frame.
 struct Screen : Object {
   CGRect itsVisibleFrame{};
 
-  /// None without a screen.
+  /// None where that size is none.
+  static Ref<Screen> ofVisible(const std::optional<CGSize>& size);
   static Ref<Screen> mainScreen();
   CGRect visibleFrame() const { return itsVisibleFrame; }
 };
@@ -41,7 +42,7 @@ struct Window : Object {
   void setContentSize(CGSize size);
   void center();
   void makeKeyAndOrderFront(id sender);
-  /// None while the window is not on the screen.
+  /// The main one while the window is visible, and before that the desktop's other one, if it has any.
   Ref<Screen> screen() const;
 
   bool isVisible() const;

@@ -1,6 +1,6 @@
 #include "desktop/drawing/Drawing.hpp"
 
-#include "desktop/drawing/Parts.hpp"
+#include "desktop/drawing/Shapes.hpp"
 
 namespace desktop {
 namespace {

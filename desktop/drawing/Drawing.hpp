@@ -1,4 +1,7 @@
 /// Pictures of the screen: what the user of the desktop would see at this moment.
+///
+/// Read this header first, then Shapes, whose functions draw one thing each, and the files that they stand in: MenuBar,
+/// Windows, Views. Svg writes what they draw, Style has its colours and fonts, Pictures the images of the bundle.
 #pragma once
 
 #include "desktop/Desktop.hpp"

@@ -1,5 +1,5 @@
 #include "desktop/appkit/Layout.hpp"
-#include "desktop/drawing/Parts.hpp"
+#include "desktop/drawing/Shapes.hpp"
 
 #include <algorithm>
 #include <cmath>

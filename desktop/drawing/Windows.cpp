@@ -1,4 +1,4 @@
-#include "desktop/drawing/Parts.hpp"
+#include "desktop/drawing/Shapes.hpp"
 
 #include <algorithm>
 #include <cmath>

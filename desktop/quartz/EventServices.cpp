@@ -12,6 +12,14 @@ bool wants(const EventTap& tap, const Event& event) {
   return tap.listens() && (tap.mask & (CGEventMask{1} << event.type)) != 0;
 }
 
+/// What a tap makes of an event: null when it swallows it.
+Event* answerOf(const EventTap& tap, Event& event) {
+  const std::size_t before = autoreleasedObjects();
+  const CGEventRef answer = tap.callback(nullptr, event.type, referenceTo<CGEventRef>(&event), tap.userInfo);
+  if (autoreleasedObjects() != before) stop("a tap's callback left behind what a pool of its own would release");
+  return objectBehind<Event>(answer);
+}
+
 /// Name, direction and numbers of an event, as entries tell it.
 JournalEntry entryOf(std::initializer_list<std::string> start, const Event& event) {
   JournalEntry entry(start);
@@ -70,9 +78,7 @@ void WindowServer::forgetProgram() {
 Event* WindowServer::throughTaps(Event* event) {
   for (EventTap* tap : taps) {
     if (!wants(*tap, *event)) continue;
-    const std::size_t before = autoreleasedObjects();
-    event = objectBehind<Event>(tap->callback(nullptr, event->type, referenceTo<CGEventRef>(event), tap->userInfo));
-    if (autoreleasedObjects() != before) stop("a tap's callback left behind what a pool of its own would release");
+    event = answerOf(*tap, *event);
     if (event == nullptr) return nullptr;
   }
   return event;
@@ -109,8 +115,7 @@ bool WindowServer::disableTaps(CGEventType notification) {
     if (!tap->listens()) continue;
     any = true;
     tap->enabled = false;
-    const auto event = makeEvent(notification, 0, 0);
-    tap->callback(nullptr, notification, referenceTo<CGEventRef>(event.get()), tap->userInfo);
+    answerOf(*tap, *makeEvent(notification, 0, 0));
   }
   return any;
 }

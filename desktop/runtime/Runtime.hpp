@@ -1,4 +1,6 @@
-/// The stand-in's run-time: classes, methods found by selector, reference counts, autorelease pools.
+/// The stand-in's run-time: classes, methods found by selector, reference counts, autorelease pools. Read this header
+/// first, then Objects, which a message goes through. Part holds the machine's state, Journal tells what happens to it,
+/// and Faults makes calls fail.
 ///
 /// Classes of the desktop itself are C++ structures deriving from `Object`; they are registered once with
 /// `NativeClass`. Everything runs on the main thread. What would be silent memory corruption on a Mac (an unknown
@@ -142,54 +144,50 @@ template <class Type> struct Passing<desktop::Ref<Type>> {
 namespace desktop {
 namespace native {
 
+using platform::wire::MethodType;
 using platform::wire::Passing;
 using platform::wire::Sent;
 
-template <auto member> struct Entry;
+/// What the run-time calls for a message to an object of the desktop.
+template <auto member> struct NativeMethod;
 
-template <class Result, class... Arguments> struct Typed {
-  static constexpr auto encoding = platform::methodEncoding<Sent<Result>, Sent<Arguments>...>;
-
-  template <class Call> static Sent<Result> run(Call call) {
-    if constexpr (std::is_void_v<Result>) {
-      call();
-    } else {
-      return Passing<Result>::out(call());
-    }
+/// Makes the call, whose result goes out as messages pass it.
+template <class Result, class Call> Sent<Result> answer(Call call) {
+  if constexpr (std::is_void_v<Result>) {
+    call();
+  } else {
+    return Passing<Result>::out(call());
   }
-};
+}
 
-template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...)> struct Entry<member> {
-  using Signature = Typed<Result, Arguments...>;
+template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...)>
+struct NativeMethod<member> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return (static_cast<Type*>(self)->*member)(Passing<Arguments>::in(arguments)...); });
+    return answer<Result>([&] { return (static_cast<Type*>(self)->*member)(Passing<Arguments>::in(arguments)...); });
   }
 };
 
 template <class Type, class Result, class... Arguments, Result (Type::*member)(Arguments...) const>
-struct Entry<member> {
-  using Signature = Typed<Result, Arguments...>;
+struct NativeMethod<member> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run(
+    return answer<Result>(
         [&] { return (static_cast<const Type*>(self)->*member)(Passing<Arguments>::in(arguments)...); });
   }
 };
 
 /// A function that takes the instance first, as a reference.
 template <class Type, class Result, class... Arguments, Result (*function)(Type&, Arguments...)>
-struct Entry<function> {
-  using Signature = Typed<Result, Arguments...>;
+struct NativeMethod<function> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id self, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return function(static_cast<Type&>(*self), Passing<Arguments>::in(arguments)...); });
+    return answer<Result>([&] { return function(static_cast<Type&>(*self), Passing<Arguments>::in(arguments)...); });
   }
 };
 
 /// Any other function: a method that looks neither at its class nor at its instance.
 template <class Result, class... Arguments, Result (*function)(Arguments...)>
-requires(!(std::is_reference_v<Arguments> || ...)) struct Entry<function> {
-  using Signature = Typed<Result, Arguments...>;
+requires(!(std::is_reference_v<Arguments> || ...)) struct NativeMethod<function> : MethodType<Result, Arguments...> {
   static Sent<Result> call(id, SEL, Sent<Arguments>... arguments) {
-    return Signature::run([&] { return function(Passing<Arguments>::in(arguments)...); });
+    return answer<Result>([&] { return function(Passing<Arguments>::in(arguments)...); });
   }
 };
 
@@ -200,15 +198,15 @@ bool fails(const std::string& call);
 
 namespace native {
 
-/// A method, by its entry, that answers nothing or no when it is to fail; a failing initialiser releases its instance.
-template <platform::Literal selector, auto entry> struct Fallible;
-template <platform::Literal selector, class Result, class... Arguments, Result (*entry)(id, SEL, Arguments...)>
-struct Fallible<selector, entry> {
+/// A method that answers nothing or no when it is to fail; a failing initialiser releases its instance.
+template <platform::Literal selector, auto method> struct Fallible;
+template <platform::Literal selector, class Result, class... Arguments, Result (*method)(id, SEL, Arguments...)>
+struct Fallible<selector, method> {
   /// The class that it was registered for.
   static inline const char* owner = nullptr;
 
   static Result call(id self, SEL registered, Arguments... arguments) {
-    if (!fails(std::string(owner) + ' ' + selector.text)) return entry(self, registered, arguments...);
+    if (!fails(std::string(owner) + ' ' + selector.text)) return method(self, registered, arguments...);
     if constexpr (std::string_view(selector.text).starts_with("init")) release(static_cast<Object*>(self));
     return Result();
   }
@@ -248,17 +246,15 @@ public:
 
 private:
   template <platform::Literal selector, auto member> NativeClass& add(Class to) {
-    using Entry = native::Entry<member>;
-    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Entry::call),
-                    Entry::Signature::encoding.text);
+    using Native = native::NativeMethod<member>;
+    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Native::call), Native::encoding.text);
     return *this;
   }
   template <platform::Literal selector, auto member> NativeClass& addFallible(Class to) {
-    using Entry = native::Entry<member>;
-    using Fallible = native::Fallible<selector, &Entry::call>;
+    using Native = native::NativeMethod<member>;
+    using Fallible = native::Fallible<selector, &Native::call>;
     Fallible::owner = cls->name.c_str();
-    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Fallible::call),
-                    Entry::Signature::encoding.text);
+    class_addMethod(to, sel_registerName(selector.text), reinterpret_cast<IMP>(&Fallible::call), Native::encoding.text);
     return *this;
   }
 

@@ -74,13 +74,13 @@ bool sameName(std::string_view one, std::string_view other) {
 }
 
 /// The entry of that name, or null.
-template <class Entry, std::size_t size> const Entry* entryNamed(const Entry (&table)[size], std::string_view name) {
-  const auto* found = std::ranges::find_if(table, [&](const Entry& entry) { return sameName(entry.name, name); });
+template <class Row, std::size_t size> const Row* rowNamed(const Row (&table)[size], std::string_view name) {
+  const auto* found = std::ranges::find_if(table, [&](const Row& row) { return sameName(row.name, name); });
   return found == std::end(table) ? nullptr : found;
 }
 
 std::uint64_t modifierNamed(std::string_view name) {
-  if (const Modifier* modifier = entryNamed(modifiers, name)) return modifier->flag;
+  if (const Modifier* modifier = rowNamed(modifiers, name)) return modifier->flag;
   throw std::invalid_argument("unknown modifier " + inQuotes(name));
 }
 
@@ -92,8 +92,8 @@ KeyStroke keyNamed(std::string_view name) {
     flags |= modifierNamed(name.substr(0, plus));
     name.remove_prefix(plus + 1);
   }
-  if (const Key* key = entryNamed(keys, name)) return {key->code, flags | key->ownFlags};
-  if (entryNamed(modifiers, name)) throw std::invalid_argument("modifier " + inQuotes(name) + " without a key");
+  if (const Key* key = rowNamed(keys, name)) return {key->code, flags | key->ownFlags};
+  if (rowNamed(modifiers, name)) throw std::invalid_argument("modifier " + inQuotes(name) + " without a key");
   throw std::invalid_argument("unknown key " + inQuotes(name));
 }
 

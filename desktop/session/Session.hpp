@@ -1,4 +1,7 @@
 /// A session: the user of the desktop, played from a script or at a prompt.
+///
+/// Read Command first, what the user can do, then SessionGrammar with Words and KeyNames, which read it from a line,
+/// and this header and WindowCommands, which do it. Output writes the trace, and main is the command.
 #pragma once
 
 #include "desktop/Desktop.hpp"

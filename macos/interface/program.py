@@ -17,7 +17,8 @@ FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
 STAND_IN_FOLDER = "desktop"
 COMPILER = "clang++-19"
-# As the application is built (macos/CMakeLists.txt), but that a use of something newer is an error.
+# The language as the application's build has it (macos/CMakeLists.txt). Nothing is optimised away, so that each
+# instance of a template keeps its name.
 OPTIONS = ["-std=c++20", "-O0", "-g0", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics"]
 
 
@@ -70,7 +71,8 @@ def own_files(root, pattern, folders):
 
 
 def mac_options(root, headers, processor):
-    """For one of a Mac's processors, as macos/linux.cmake has it."""
+    """For one of a Mac's processors, as macos/linux.cmake has it; besides, using what the oldest system lacks is an
+    error."""
     resources = subprocess.run([COMPILER, "-print-resource-dir"], capture_output=True, text=True, check=True)
     folders = [f"{headers}/libcxx/include", f"{resources.stdout.strip()}/include", f"{headers}/include"]
     return ["-target", f"{processor}-apple-macos{dotted(OLDEST_SYSTEM)}", "-Werror=unguarded-availability", "-nostdinc",

@@ -1,6 +1,7 @@
 #include "tests/support/TestDesktop.hpp"
 
 #include "platform/Application.hpp"
+#include "platform/StatusBar.hpp"
 
 namespace tarnwick {
 namespace {
@@ -104,10 +105,10 @@ TEST(Launch, MakesTheStatusItemAsThePlatformWantsIt) {
   desktop.play({"launch", [&] {
                   const auto& items = desktop.machine.appKit.statusItems;
                   ASSERT_EQ(items.size(), 1U);
-                  EXPECT_EQ(items.front()->length, -2) << "square";
+                  EXPECT_EQ(items.front()->length, platform::NSSquareStatusItemLength);
                   const StatusBarButton& button = *items.front()->button();
-                  EXPECT_EQ(button.imagePosition, 1U) << "the image only";
-                  EXPECT_EQ(textOf(button.title.get()), "");
+                  EXPECT_EQ(button.imagePosition, platform::NSImageOnly);
+                  EXPECT_TRUE(button.title && textOf(button.title.get()).empty()) << "set, to nothing";
                   EXPECT_TRUE(button.image->isTemplate);
                   EXPECT_EQ(button.image->size.width, 18);
                   EXPECT_EQ(button.image->size.height, 18);

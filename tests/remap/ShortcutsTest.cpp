@@ -5,6 +5,7 @@
 
 #include <limits>
 #include <ostream>
+#include <set>
 
 namespace desktop {
 namespace {
@@ -105,12 +106,13 @@ struct Fate {
   long frontmost = 0;
   long ownIdentifier = 0;
   long focusedElement = 0;
+  long role = 0;
 
   bool operator==(const Fate&) const = default;
   friend void PrintTo(const Fate& fate, std::ostream* stream) {
     *stream << (fate.swallowed ? "swallowed, code 0x" : "code 0x") << std::hex << fate.code << " flags 0x" << fate.flags
             << std::dec << "; frontmost application asked for " << fate.frontmost << ", own identifier "
-            << fate.ownIdentifier << ", focus " << fate.focusedElement << " times; calls";
+            << fate.ownIdentifier << ", focus " << fate.focusedElement << ", role " << fate.role << " times; calls";
     for (const std::string_view call : fate.calls)
       *stream << ' ' << call;
   }
@@ -125,7 +127,7 @@ bool isMeant(const Shortcut& shortcut, const Typed& key, const Situation& situat
 
 /// What the table says. The Finder's shortcuts ask about the desktop before they look at the key.
 Fate expected(const Typed& key, const Situation& situation) {
-  Fate fate{false, key.code, key.flags, {"CGEventGetFlags", "CGEventGetIntegerValueField"}, 1, 1, 0};
+  Fate fate{false, key.code, key.flags, {"CGEventGetFlags", "CGEventGetIntegerValueField"}, 1, 1, 0, 0};
   const auto isOn = [&](std::string_view checkbox) { return checkbox != situation.off; };
   std::string_view decided;
   for (const Shortcut& shortcut : shortcuts) {
@@ -142,7 +144,7 @@ Fate expected(const Typed& key, const Situation& situation) {
   if (decided == lockScreen) return fate;
   if (isOn(deleteToBin)) {
     ++fate.frontmost;
-    fate.focusedElement = situation.finder ? 1 : 0;
+    fate.focusedElement = fate.role = situation.finder ? 1 : 0;
     if (decided == deleteToBin) return fate;
   }
   if (isOn(rename)) ++fate.frontmost;
@@ -163,6 +165,7 @@ Fate actual(Desktop& machine, Event& event, CGEventType type, const Typed& key) 
   fate.frontmost = machine.queries.frontmost;
   fate.ownIdentifier = machine.queries.ownIdentifier;
   fate.focusedElement = machine.queries.focusedElement;
+  fate.role = machine.queries.role;
   return fate;
 }
 
@@ -230,16 +233,36 @@ TEST(Shortcuts, AreThoseOfTheTableAndNoOthers) {
   desktop.play(steps);
 }
 
-TEST(Shortcuts, ObeyTheirOwnCheckboxAndNoOther) {
-  TestDesktop desktop;
-  std::vector<std::int64_t> codes;
+/// The titles of all checkboxes that the settings window shows.
+std::set<std::string> checkboxes(const Desktop& machine) {
+  std::set<std::string> titles;
+  forEachView(*machine.appKit.frontWindow()->contentView(), [&](View& view) {
+    const auto* button = ifIs<Button>(&view);
+    if (button != nullptr && button->isCheckbox()) titles.insert(textOf(button->title.get()));
+  });
+  return titles;
+}
+
+TEST(Shortcuts, HaveACheckboxEach) {
+  std::set<std::string> named{std::string(confirm)};
   for (const Shortcut& shortcut : shortcuts)
+    named.emplace(shortcut.checkbox);
+  TestDesktop desktop;
+  desktop.play({"menu Settings…", [&] { EXPECT_EQ(checkboxes(desktop.machine), named); }});
+}
+
+TEST(Shortcuts, ObeyTheirOwnCheckboxAndNoOther) {
+  std::vector<std::int64_t> codes;
+  std::set<std::string_view> titles{confirm, {}};
+  for (const Shortcut& shortcut : shortcuts) {
     codes.push_back(shortcut.typed.code);
+    titles.insert(shortcut.checkbox);
+  }
+  TestDesktop desktop;
   std::vector<Step> steps{"menu Settings…"};
-  for (const std::string_view checkbox : {clipboard, redo, newFile, save, wordSkip, find, swap, bold, underline, italic,
-                                          lockScreen, deleteToBin, confirm, rename, std::string_view()}) {
+  for (const std::string_view checkbox : titles) {
     const auto click = [&desktop, checkbox] {
-      EXPECT_EQ(clickInWindow(desktop.machine, std::string(checkbox), 1), !checkbox.empty());
+      EXPECT_EQ(clickInWindow(desktop.machine, std::string(checkbox), 1), !checkbox.empty()) << checkbox;
     };
     steps.emplace_back(click);
     for (const Step& step : everywhere(desktop.machine, checkbox, codes, {0}))

@@ -98,7 +98,9 @@ TEST_F(SettingsWindowTest, LooksAsDesigned) {
       EXPECT_EQ(label->lineBreakMode == platform::NSLineBreakByWordWrapping, isNote) << text;
       const bool isExemption = text == "com.example";
       EXPECT_EQ(label->lineBreakMode == platform::NSLineBreakByTruncatingMiddle, isExemption) << text;
-      EXPECT_EQ(label->compressionResistance[0], isExemption ? platform::NSLayoutPriorityDefaultLow : 750) << text;
+      EXPECT_EQ(label->compressionResistance[0],
+                isExemption ? platform::NSLayoutPriorityDefaultLow : NSLayoutPriorityDefaultHigh)
+          << text;
       const bool isQuiet = text == "Version 1.0.0";
       EXPECT_EQ(label->textColor != nullptr && label->textColor->ink == Color::Ink::SecondaryLabel, isQuiet) << text;
     }
@@ -193,6 +195,12 @@ TEST_F(SettingsWindowTest, OpensWithThePlatformsIconInsteadOfItsOwn) {
   });
 }
 
+TEST_F(SettingsWindowTest, OpensWithoutAnyIcon) {
+  std::filesystem::remove(desktop.bundle / "Contents" / "Resources" / "AppIcon.icns");
+  machine.faults.fail("NSImage imageNamed:");
+  open([&] { EXPECT_FALSE(all<ImageView>().front()->image); });
+}
+
 TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEachTimeBeforeItShows) {
   PropertyList::Array exempt;
   for (const char16_t letter : std::u16string(u"abcdefghijklmnopqrst"))
@@ -212,6 +220,11 @@ TEST_F(SettingsWindowTest, IsAsHighAsItsContentWhereNoScreenLimitsItAndCentredEa
                   EXPECT_EQ(window().contentSize().height, documentHeight()) << "measured once";
                   EXPECT_EQ(shownAt.back(), (1000 - window().frame.size.width) / 2);
                 }});
+}
+
+TEST_F(SettingsWindowTest, FitsTheScreenThatItIsOnRatherThanTheMainOne) {
+  machine.appKit.otherScreen = CGSize{1000, 700};
+  open([&] { EXPECT_EQ(window().contentSize().height, 580); });
 }
 
 TEST_F(SettingsWindowTest, IsNeverSmallerThanItsMinimum) {

@@ -1,4 +1,4 @@
-/// The parts of a picture of the screen, each drawn by a function of its own.
+/// The things that a picture of the screen shows, each drawn by a function of its own.
 #pragma once
 
 #include "desktop/appkit/AppKit.hpp"
