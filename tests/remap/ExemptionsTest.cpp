@@ -41,9 +41,6 @@ TEST_F(ExemptionsTest, AreTrimmedOfWhitespaceAtBothEndsOnly) {
   add(u"");
   add(u" \n\u2003\u3000");
   EXPECT_EQ(storedValue(), nullptr) << "nothing was written";
-  add(u" \n com.apple.finder\t\r\n");
-  EXPECT_EQ(both(), (Texts{u"com.apple.finder"}));
-  remove(u"com.apple.finder");
   // Unicode's space, line and paragraph separators, and the controls that count as white.
   const std::u16string whites =
       u"\t\n\u000B\u000C\r \u0085\u00A0\u1680\u2000\u2005\u200A\u2028\u2029\u202F\u205F\u3000";
@@ -53,7 +50,6 @@ TEST_F(ExemptionsTest, AreTrimmedOfWhitespaceAtBothEndsOnly) {
     remove(u"a"s + white + u"b"s);
   }
   for (const char16_t other : u"\u0008\u000E\u001F\u0084\u180E\u200B\u2060\uFEFF"s) {
-    if (other == 0) continue;
     add(other + u"a"s);
     EXPECT_EQ(both(), (Texts{other + u"a"s})) << std::hex << int{other};
     remove(other + u"a"s);
@@ -61,27 +57,25 @@ TEST_F(ExemptionsTest, AreTrimmedOfWhitespaceAtBothEndsOnly) {
 }
 
 TEST_F(ExemptionsTest, AreSortedByCodePointAfterComposition) {
-  const Texts inOrder{
-      u"", // as stored by others; never added
-      u"Com.example",
-      u"com",
-      u"com.Z",
-      u"com.a",
-      u"com.a.b",
-      u"com.e",
-      u"com.f",
-      u"com.e\u0301", // sorts as U+00E9
-      u"com.\u00E9a",
-      u"com.\uD7FF", // the last before the surrogates
-      u"com.\uE000", // the first behind them
-      u"com.\uFFFD",
-      u"com.\U00010000", // above U+FFFF, though its units are below U+FFFD
-      u"com.\U0010FFFE",
-      u"com.\U0010FFFF",
-  };
-  Texts shuffled(inOrder.rbegin(), inOrder.rend());
-  PropertyList::Array array(shuffled.begin(), shuffled.end());
-  desktop.store(u"exemptBundleIDs", array);
+  // The empty one was stored by others; it is never added. An e with an acute sorts as U+00E9, U+D7FF is the last
+  // before the surrogates and U+E000 the first behind them, and U+10000 is above U+FFFD, though its units are below it.
+  const Texts inOrder{u"",
+                      u"Com.example",
+                      u"com",
+                      u"com.Z",
+                      u"com.a",
+                      u"com.a.b",
+                      u"com.e",
+                      u"com.f",
+                      u"com.e\u0301",
+                      u"com.\u00E9a",
+                      u"com.\uD7FF",
+                      u"com.\uE000",
+                      u"com.\uFFFD",
+                      u"com.\U00010000",
+                      u"com.\U0010FFFE",
+                      u"com.\U0010FFFF"};
+  desktop.store(u"exemptBundleIDs", PropertyList::Array(inOrder.rbegin(), inOrder.rend()));
   relaunch();
   EXPECT_EQ(listed(), inOrder);
   remapper->saveExemptions();
@@ -142,14 +136,6 @@ TEST_F(ExemptionsTest, AreWrittenWholeAtEveryChangeAndNonChange) {
   remove(u"b");
   ASSERT_NE(storedValue(), nullptr) << "the key stays";
   EXPECT_EQ(both(), Texts());
-}
-
-TEST_F(ExemptionsTest, ReplaceAStoredListThatWasNotUnderstood) {
-  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"com.example.editor", 7});
-  relaunch();
-  EXPECT_EQ(listed(), Texts());
-  add(u"b");
-  EXPECT_EQ(both(), (Texts{u"b"}));
 }
 
 TEST_F(ExemptionsTest, StayInMemoryWhenTheyCannotBeWritten) {

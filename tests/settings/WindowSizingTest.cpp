@@ -7,22 +7,15 @@ namespace {
 
 using platform::NSSize;
 
-testing::AssertionResult isSize(NSSize actual, NSSize expected) {
-  if (actual.width == expected.width && actual.height == expected.height) return testing::AssertionSuccess();
-  return testing::AssertionFailure() << actual.width << " by " << actual.height << " instead of " << expected.width
-                                     << " by " << expected.height;
-}
-
 TEST(WindowSizing, firstSizeFitsTheSettingsAndTheScreen) {
   constexpr NSSize defaultSize{540, 780};
   constexpr NSSize minimum{460, 500};
-  struct Case {
+  const struct {
     const char* what;
     NSSize settings;
     std::optional<NSSize> screen;
     NSSize expected;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"small settings keep the default size", {300, 200}, NSSize{1920, 1055}, {540, 780}},
       {"settings that just fit", {500, 644}, NSSize{660, 900}, {540, 780}},
       {"a point wider than fits", {501, 644}, NSSize{2000, 1200}, {541, 780}},
@@ -35,28 +28,30 @@ TEST(WindowSizing, firstSizeFitsTheSettingsAndTheScreen) {
       {"without a screen nothing limits", {5000, 6000}, std::nullopt, {5040, 6136}},
       {"fractions survive", {520.5, 700.25}, NSSize{1920, 1055}, {560.5, 836.25}},
   };
-  for (const Case& each : cases)
-    EXPECT_TRUE(isSize(initialContentSize(each.settings, defaultSize, minimum, each.screen), each.expected))
-        << each.what;
+  for (const auto& [what, settings, screen, expected] : cases) {
+    const NSSize size = initialContentSize(settings, defaultSize, minimum, screen);
+    EXPECT_EQ(size.width, expected.width) << what;
+    EXPECT_EQ(size.height, expected.height) << what;
+  }
 }
 
 TEST(WindowSizing, documentFollowsTheWindowAndHoldsTheSettings) {
-  struct Case {
+  const struct {
     const char* what;
     NSSize visible;
     CGFloat settingsHeight;
     NSSize expected;
-  };
-  const Case cases[] = {
+  } cases[] = {
       {"tall settings scroll", {540, 780}, 1000, {540, 1136}},
       {"low settings leave the document as tall as what is seen", {540, 780}, 100, {540, 780}},
       {"a point more than fills it", {540, 780}, 645, {540, 781}},
       {"no narrower than its least width", {380, 780}, 700, {400, 836}},
   };
-  for (const Case& each : cases) {
-    EXPECT_TRUE(isSize(documentSize(each.visible, each.settingsHeight), each.expected)) << each.what;
+  for (const auto& [what, visible, settingsHeight, expected] : cases) {
     // The settings are measured in a document of the width that it will have.
-    EXPECT_EQ(documentWidth(each.visible.width), each.expected.width) << each.what;
+    EXPECT_EQ(documentWidth(visible.width), expected.width) << what;
+    EXPECT_EQ(documentSize(visible, settingsHeight).width, expected.width) << what;
+    EXPECT_EQ(documentSize(visible, settingsHeight).height, expected.height) << what;
   }
 }
 
