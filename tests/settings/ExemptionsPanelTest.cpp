@@ -5,48 +5,24 @@ namespace {
 
 using desktop::PropertyList;
 
-/// A bundle of that identifier; none is left out.
-std::filesystem::path makeBundle(const desktop::TemporaryFolder& folder,
-                                 const std::optional<PropertyList>& identifier) {
-  auto bundle = folder.path / "Chosen.app";
+// What becomes of a choice, sessions tell.
+
+/// The bundle of an application that is the Editor.
+std::string makeBundle(const desktop::TemporaryFolder& folder) {
+  const auto bundle = folder.path / "Chosen.app";
   std::filesystem::create_directories(bundle / "Contents");
-  PropertyList::Dictionary information{{u"CFBundleName", u"Chosen"}};
-  if (identifier) information[u"CFBundleIdentifier"] = *identifier;
-  desktop::writeFile(bundle / "Contents" / "Info.plist", writeXml(information));
-  return bundle;
-}
-
-/// A choice in the open panel, each time from a running program.
-std::string choose(const std::filesystem::path& chosen) {
-  desktop::TestDesktop desktop;
-  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.listed"});
-  const std::string trace = desktop.play(
-      {"menu Settings…\nclick \"Choose App…\"\nchoose \"" + chosen.string() + "\"\nshow defaults\nshow window"});
-  std::string stored = trace.substr(trace.find("default\t"), trace.find("button\tAbout") - trace.find("default\t"));
-  const bool isListed = trace.find("label\tcom.example.chosen\n") != std::string::npos;
-  EXPECT_EQ(isListed, stored.find("com.example.chosen") != std::string::npos) << "list and store differ";
-  return stored;
-}
-
-TEST(ExemptionsPanel, TakesTheIdentifierOfTheBundleThatIsChosen) {
-  const desktop::TemporaryFolder folder;
-  const std::string before = "default\texemptBundleIDs\torg.listed\n";
-  const std::string after = "default\texemptBundleIDs\tcom.example.chosen\torg.listed\n";
-  EXPECT_EQ(choose(makeBundle(folder, u" com.example.chosen\n")), after);
-  for (const std::optional<PropertyList>& useless :
-       {std::optional<PropertyList>(u"org.listed"), std::optional<PropertyList>(u"  "), std::optional<PropertyList>(7),
-        std::optional<PropertyList>()})
-    EXPECT_EQ(choose(makeBundle(folder, useless)), before);
-  EXPECT_EQ(choose(folder.path / "none"), before) << "no bundle at all";
+  desktop::writeFile(bundle / "Contents" / "Info.plist",
+                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
+  return bundle.string();
 }
 
 TEST(ExemptionsPanel, TakesNothingUnlessItIsConfirmed) {
   const desktop::TemporaryFolder folder;
-  const auto app = makeBundle(folder, u"com.example.chosen");
+  const auto app = makeBundle(folder);
   for (const char* end : {"cancel", "# the end of the input"}) {
     desktop::TestDesktop desktop;
     desktop.play({"menu Settings…\nclick \"Choose App…\"",
-                  [&] { desktop.machine.appKit.frontPanel()->chosen = desktop::fileURL(app.string()); }, end});
+                  [&] { desktop.machine.appKit.frontPanel()->chosen = desktop::fileURL(app); }, end});
     EXPECT_EQ(desktop.machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << end;
   }
 }
@@ -70,13 +46,13 @@ TEST(ExemptionsPanel, AsksForOneApplication) {
 
 TEST(NextRun, HasAllSwitchesOnAgainAndTheExemptionsKept) {
   const desktop::TemporaryFolder folder;
-  const auto app = makeBundle(folder, u"com.example.editor");
+  const auto app = makeBundle(folder);
   const auto run = [&](const std::string& session) {
     desktop::TestDesktop desktop;
     desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");
     return desktop.play({session});
   };
-  run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nclick \"Choose App…\"\nchoose \"" + app.string() +
+  run("menu Settings…\nclick \"Bold (Ctrl+B)\"\nclick \"Choose App…\"\nchoose \"" + app +
       "\"\nmenu \"Disable Tarnwick\"");
   const auto received = [](const char* keys) { return desktop::keyLine("key\tEditor\tdown", keys); };
   const std::string next = run("down ctrl+b\nmenu Settings…\nclick Remove\nfront Editor\ndown ctrl+b");
