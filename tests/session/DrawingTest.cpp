@@ -1,6 +1,5 @@
 #include "tests/support/Command.hpp"
 
-#include <algorithm>
 #include <iterator>
 #include <regex>
 #include <set>
@@ -43,35 +42,34 @@ DrawnText textWith(const std::string& picture, const std::string& part) {
   return {};
 }
 
-bool shows(const std::string& picture, const std::string& text) {
-  const auto texts = textsIn(picture);
-  return std::any_of(texts.begin(), texts.end(), [&](const DrawnText& drawn) { return drawn.text == text; });
-}
-
 bool has(const std::string& picture, const std::string& markup) {
   return picture.find(markup) != std::string::npos;
 }
 
-/// Plays lines that end in a moment worth seeing.
+/// Plays lines that draw some moments worth seeing.
 class DrawingTest : public testing::Test {
 protected:
   TestDesktop desktop;
   TemporaryFolder folder;
 
-  std::string draw(const std::string& lines) {
-    play(lines + "\ndraw " + file("it"));
-    return drawn("it");
-  }
-  void play(const std::string& lines) { EXPECT_FALSE(has(desktop.play({lines}), "lost")) << desktop.trace(); }
   std::string file(const std::string& name) const { return (folder.path / name).string(); }
   std::string drawn(const std::string& name) const { return contentsOf(file(name)); }
+  /// A picture's name stands for its file.
+  void play(const std::string& lines) {
+    const std::string session = std::regex_replace(lines, std::regex("\ndraw "), "\ndraw " + file(""));
+    EXPECT_FALSE(has(desktop.play({session}), "lost")) << desktop.trace();
+  }
+  std::string draw(const std::string& lines) {
+    play(lines + "\ndraw it");
+    return drawn("it");
+  }
   void exempt(const std::u16string& identifier) { desktop.store(u"exemptBundleIDs", PropertyList::Array{identifier}); }
 };
 
 TEST_F(DrawingTest, TextsAreNeverTakenForMarkup) {
   exempt(u"</text>&amp;\u0001\xD800\uFFFF\"'");
   const std::string picture = draw("screen 800 1100\nmenu Settings…");
-  EXPECT_TRUE(shows(picture, "&lt;/text&gt;&amp;amp;\uFFFD\uFFFD\uFFFD\"'"));
+  EXPECT_TRUE(has(picture, ">&lt;/text&gt;&amp;amp;\uFFFD\uFFFD\uFFFD\"'<"));
 }
 
 TEST_F(DrawingTest, LongIdentifiersAreShortenedAndTheirButtonsAreNot) {
@@ -88,8 +86,7 @@ TEST_F(DrawingTest, LongIdentifiersAreShortenedAndTheirButtonsAreNot) {
 }
 
 TEST_F(DrawingTest, WhatIsScrolledAwayIsCutOff) {
-  play("screen 800 600\nmenu Settings…\ndraw " + file("low") + "\nscreen 800 1100\nresize 612 900\ndraw " +
-       file("high"));
+  play("screen 800 600\nmenu Settings…\ndraw low\nscreen 800 1100\nresize 612 900\ndraw high");
   const std::string low = drawn("low");
   EXPECT_TRUE(has(low, "class=\"scroller\""));
   const auto clip = matchesIn(low, "y=\"([^\"]+)\" width=\"612\" height=\"500\"/></clipPath>");
@@ -103,14 +100,13 @@ TEST_F(DrawingTest, WhatIsScrolledAwayIsCutOff) {
   EXPECT_TRUE(has(drawn("high"), "data-scroll=\"0\""));
 }
 
-TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactive) {
-  play("menu Settings…\ndraw " + file("window") + "\nclick \"Choose App…\"\ndraw " + file("panel") +
-       "\ncancel\nfront Finder\npress forwarddelete\ndraw " + file("alert"));
-  EXPECT_FALSE(has(drawn("window"), "class=\"inactive\""));
-  EXPECT_TRUE(has(drawn("window"), "class=\"closeLight\""));
-  for (const char* name : {"panel", "alert"}) {
-    EXPECT_TRUE(has(drawn(name), "class=\"inactive\""));
-    EXPECT_FALSE(has(drawn(name), "class=\"closeLight\""));
+TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactiveAndNotMarked) {
+  play("menu Settings…\nshow menu\ndraw window\nclick \"Choose App…\"\ndraw panel\ncancel\nfront Finder\n"
+       "press forwarddelete\ndraw alert");
+  for (const char* name : {"window", "panel", "alert"}) {
+    const bool isActive = name == std::string("window");
+    EXPECT_EQ(has(drawn(name), "class=\"inactive\""), !isActive) << name;
+    EXPECT_EQ(has(drawn(name), "class=\"closeLight\""), isActive) << name;
   }
   const auto isOverWindow = [](const std::string& picture, const char* text) {
     return has(picture.substr(picture.find(">General Shortcuts<")), text);
@@ -119,11 +115,7 @@ TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactive) {
   EXPECT_TRUE(isOverWindow(drawn("alert"), ">Move selected item to Bin?<"));
   EXPECT_LT(textWith(drawn("alert"), "Cancel").x, textWith(drawn("alert"), "Move to Bin").x)
       << "the first button is the right one";
-}
 
-TEST_F(DrawingTest, OnlyWhatNothingLiesOverIsMarked) {
-  play("menu Settings…\nshow menu\ndraw " + file("window") + "\nclick \"Choose App…\"\ndraw " + file("panel") +
-       "\ncancel\nfront Finder\npress forwarddelete\ndraw " + file("alert"));
   const auto marks = [&](const char* name) {
     std::set<std::string> found;
     const std::string picture = drawn(name); // the matches point into it
@@ -144,25 +136,23 @@ TEST_F(DrawingTest, OnlyWhatNothingLiesOverIsMarked) {
 }
 
 TEST_F(DrawingTest, TheMenuIsOpenUntilTheUserGoesOn) {
-  play("show menu\ndraw " + file("open") + "\ndraw " + file("still") + "\nwait 0\ndraw " + file("closed") +
-       "\nquit\ndraw " + file("gone"));
-  EXPECT_TRUE(shows(drawn("open"), "⌘Q"));
+  play("show menu\ndraw open\ndraw still\nwait 0\ndraw closed\nquit\ndraw gone");
+  EXPECT_TRUE(has(drawn("open"), ">⌘Q<"));
   EXPECT_TRUE(has(drawn("open"), "class=\"disabledLabel\">Check for Updates...<"));
   EXPECT_EQ(drawn("open"), drawn("still"));
-  EXPECT_FALSE(shows(drawn("closed"), "⌘Q"));
+  EXPECT_FALSE(has(drawn("closed"), ">⌘Q<"));
   EXPECT_TRUE(has(drawn("closed"), "<mask")) << "the status item's image";
   EXPECT_FALSE(has(drawn("gone"), "<mask"));
 }
 
 TEST_F(DrawingTest, TheMenuBarTellsWhoIsInFrontAndTheTime) {
-  play("menu Settings…\nwait 8340\ndraw " + file("editor") + "\nfront none\ndraw " + file("nobody") +
-       "\napp Mail\nfront Mail\nmenu Settings…\nend Mail\ndraw " + file("ended") +
-       "\nfront Editor\nquit\nfront none\ndraw " + file("afterwards"));
-  EXPECT_TRUE(shows(drawn("editor"), "Editor")) << "the program has no menus of its own";
-  EXPECT_TRUE(shows(drawn("editor"), "12:00 PM"));
-  EXPECT_FALSE(shows(drawn("nobody"), "Editor"));
-  EXPECT_FALSE(shows(drawn("ended"), "Mail"));
-  EXPECT_FALSE(shows(drawn("afterwards"), "Editor"));
+  play("menu Settings…\nwait 8340\ndraw editor\nfront none\ndraw nobody\napp Mail\nfront Mail\nmenu Settings…\n"
+       "end Mail\ndraw ended\nfront Editor\nquit\nfront none\ndraw afterwards");
+  EXPECT_TRUE(has(drawn("editor"), ">Editor<")) << "the program has no menus of its own";
+  EXPECT_TRUE(has(drawn("editor"), ">12:00 PM<"));
+  EXPECT_FALSE(has(drawn("nobody"), ">Editor<"));
+  EXPECT_FALSE(has(drawn("ended"), ">Mail<"));
+  EXPECT_FALSE(has(drawn("afterwards"), ">Editor<"));
 }
 
 TEST_F(DrawingTest, EveryClassHasAColourAndLabelsHaveTwo) {
@@ -188,7 +178,7 @@ TEST_F(DrawingTest, DamagedImagesLeaveTheirPlaceEmpty) {
   writeFile(resources / "AppIcon.icns",
             "icns" + std::string(4, '\0') + entry + "\x89PNG\r\n\x1a\n" + std::string(16, '\1'));
   const std::string picture = draw("menu Settings…");
-  EXPECT_TRUE(shows(picture, "Tarnwick")) << "the status item's title";
+  EXPECT_TRUE(has(picture, ">Tarnwick<")) << "the status item's title";
   EXPECT_FALSE(has(picture, "<image"));
 }
 
@@ -199,7 +189,7 @@ TEST_F(DrawingTest, AFileThatCannotBeWrittenIsToldOf) {
   EXPECT_EQ(complaint,
             "tarnwick: the picture " + file("no/folder.svg") + " cannot be written: No such file or directory\n");
   EXPECT_TRUE(has(trace, "lost\tdraw " + file("no/folder.svg") + "\n"));
-  EXPECT_TRUE(shows(drawn("none"), "No screen"));
+  EXPECT_TRUE(has(drawn("none"), ">No screen<"));
 }
 
 /// Draws docs/pictures anew in a copy of that folder.
