@@ -92,15 +92,11 @@ TEST(PropertyList, BothFormsCarryEverythingThere) {
 
 TEST(PropertyList, RealsKeepTheirValue) {
   for (const double number : {0.1, -1e300, 5e-324, 1.7976931348623157e308, std::numeric_limits<double>::infinity(),
-                              -std::numeric_limits<double>::infinity(), -0.0, 1e15, 123456789.125}) {
-    for (const auto& bytes : {writeXml(number), writeBinary(number)}) {
-      const auto value = read(bytes);
-      ASSERT_NE(value.as<double>(), nullptr);
-      EXPECT_EQ(*value.as<double>(), number);
-      EXPECT_EQ(std::signbit(*value.as<double>()), std::signbit(number));
-    }
+                              -std::numeric_limits<double>::infinity(), -0.0, 1e15, 123456789.125, std::nan("")}) {
+    const auto bits = writeBinary(number); // which tell -0 from 0, and a NaN is the same there
+    EXPECT_EQ(writeBinary(read(bits)), bits) << number;
+    EXPECT_EQ(writeBinary(read(writeXml(number))), bits) << number;
   }
-  EXPECT_TRUE(std::isnan(*read(writeXml(std::nan(""))).as<double>()));
 }
 
 TEST(PropertyList, OddStringsSurvive) {
@@ -215,20 +211,18 @@ TEST(PropertyList, SharedObjectsDoNotUnfoldWithoutEnd) {
 }
 
 TEST(PropertyList, TruncatedFilesAreFaults) {
-  const auto asXml = writeXml(sample());
-  const auto lastBracket = asXml.size() - 2; // what follows is a line break
-  for (std::size_t size = 0; size <= lastBracket; ++size)
-    EXPECT_NE(errorOf(asXml.substr(0, size)), "") << size;
-  const auto asBinary = writeBinary(sample());
-  for (std::size_t size = 0; size < asBinary.size(); ++size)
-    EXPECT_NE(errorOf(asBinary.substr(0, size)), "") << size;
+  auto asXml = writeXml(sample());
+  asXml.pop_back(); // the line break behind the last bracket
+  for (const auto& whole : {asXml, writeBinary(sample())}) {
+    for (std::size_t size = 0; size < whole.size(); ++size)
+      EXPECT_NE(errorOf(whole.substr(0, size)), "") << size;
+  }
 }
 
 TEST(PropertyList, MutatedFilesAreReadOrRefused) {
   std::mt19937 random(20240229); // the same faults each time
   const auto below = [&](std::size_t limit) { return random() % limit; };
   std::size_t readable = 0;
-  std::size_t refused = 0;
   for (const auto& original : {writeXml(sample()), writeBinary(sample())}) {
     for (int round = 0; round < 6000; ++round) {
       auto bytes = original;
@@ -238,8 +232,8 @@ TEST(PropertyList, MutatedFilesAreReadOrRefused) {
         bytes[at] = below(2) == 0 ? static_cast<char>(random()) : static_cast<char>(bytes[at] ^ (1 << below(8)));
       }
       const auto reading = parsePropertyList(bytes);
-      ++(reading ? readable : refused);
       if (!reading) continue;
+      ++readable;
       // What was read is a sound value: it survives both forms. Compared as bytes, for a NaN is unequal to itself.
       const auto again = writeBinary(reading.value);
       EXPECT_EQ(writeBinary(read(again)), again);
@@ -249,7 +243,7 @@ TEST(PropertyList, MutatedFilesAreReadOrRefused) {
     }
   }
   EXPECT_GT(readable, 1000U);
-  EXPECT_GT(refused, 1000U);
+  EXPECT_LT(readable, 11000U);
 }
 
 TEST(PropertyList, AnIndependentReaderAgrees) {
@@ -260,18 +254,14 @@ TEST(PropertyList, AnIndependentReaderAgrees) {
   writeFile(folder / "value.xml", writeXml(value));
   writeFile(folder / "value.bin", writeBinary(value));
   writeFile(folder / "compare.py", R"(
-import datetime, os, plistlib
+import os, plistlib
 os.chdir(os.path.dirname(__file__))
-expected = {
-    'array': [], 'big': 2**63 - 1, 'bytes': bytes(range(60)), 'date': datetime.datetime(2024, 2, 29, 23, 59, 58),
-    'dict': {}, 'empty': '', 'many': [50 * i for i in range(20)], 'min': -2**63, 'neg': -1, 'no': False, 'real': 0.5,
-    'text': 'a<b>&"c\n\t', 'wide': '\u00e9\u20ac\U0001F600', 'yes': True}
-for name in 'value.xml', 'value.bin':
-    with open(name, 'rb') as file:
-        assert plistlib.load(file) == expected, name
+with open('value.xml', 'rb') as xml, open('value.bin', 'rb') as binary:
+    value = plistlib.load(xml)
+    assert value == plistlib.load(binary) and value['date'].isoformat() == '2024-02-29T23:59:58'
 for name, form in ('theirs.xml', plistlib.FMT_XML), ('theirs.bin', plistlib.FMT_BINARY):
     with open(name, 'wb') as file:
-        plistlib.dump(expected, file, fmt=form)
+        plistlib.dump(value, file, fmt=form)
 )");
   EXPECT_EQ(std::system(("python3 '" + (folder / "compare.py").string() + "'").c_str()), 0);
   EXPECT_EQ(contentsOf(folder / "theirs.xml"), writeXml(value));
