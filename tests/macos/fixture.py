@@ -3,6 +3,7 @@ import os
 import plistlib
 import struct
 import subprocess
+import tempfile
 from pathlib import Path
 
 from macos import archive, macho, sysroot
@@ -18,6 +19,13 @@ int main(void) { return objc_getClass("NSObject") == kCFRunLoopCommonModes; }
 """
 LINK_OPTIONS = ["-fuse-ld=lld", "-nostdlib", "-Wl,-adhoc_codesign", "-Wl,-dead_strip", "-Wl,-S", "-Wl,-x"]
 PROGRAM_OPTIONS = ["-Wl,-exported_symbol,__mh_execute_header"]
+
+
+def folder(add_cleanup):
+    """A folder of a test's or a class's own, gone with it."""
+    work = tempfile.TemporaryDirectory()
+    add_cleanup(work.cleanup)
+    return Path(work.name)
 
 
 def link(folder, processor, source=SOURCE, options=(), libraries=None):

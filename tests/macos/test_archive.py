@@ -2,11 +2,9 @@
 import os
 import shutil
 import subprocess
-import tempfile
 import time
 import unittest
 import zipfile
-from pathlib import Path
 
 import fixture
 from macos import archive
@@ -16,9 +14,12 @@ PROGRAM = bytes.fromhex("cffaedfe") + b" is how a program begins"
 
 class Archive(unittest.TestCase):
     def setUp(self):
-        work = tempfile.TemporaryDirectory()
-        self.addCleanup(work.cleanup)
-        self.folder = Path(work.name)
+        self.folder = fixture.folder(self.addCleanup)
+
+    def fresh(self):
+        """A bundle of the test's folder itself, instead of one that was changed."""
+        shutil.rmtree(self.folder / "Tarnwick.app", ignore_errors=True)
+        return fixture.make_bundle(self.folder, PROGRAM)
 
     def packed(self, name, umask, moment=fixture.MOMENT):
         """A bundle made under a mask of its own, packed."""
@@ -49,50 +50,32 @@ class Archive(unittest.TestCase):
             self.assertEqual(os.readlink(version / "Updater"), "Versions/Current/Updater")
             self.assertEqual((version / "Updater").read_bytes(), PROGRAM)
 
-
-class Comparison(unittest.TestCase):
-    """An archive that holds anything else than the bundle is told."""
-
-    def setUp(self):
-        work = tempfile.TemporaryDirectory()
-        self.addCleanup(work.cleanup)
-        self.folder = Path(work.name)
-        self.bundle = fixture.make_bundle(self.folder, PROGRAM)
-        self.packed = self.folder / "Tarnwick.zip"
-
     def test_other_archives(self):
-        contents = self.bundle / "Contents"
+        """An archive that holds anything else than the bundle is told."""
+        contents = self.fresh() / "Contents"
         information, icon = contents / "Info.plist", contents / "Resources" / "AppIcon.icns"
-
-        def link():
-            icon.unlink()
-            icon.symlink_to("MenuBarTemplate.png")
-
         for sentence, change in [
                 ("holds Tarnwick.app/Contents/Extra", (contents / "Extra").touch),
                 ("lacks Tarnwick.app/Contents/Info.plist", information.unlink),
                 ("Info.plist with other content", lambda: information.write_bytes(b"?" * len(information.read_bytes()))),
                 ("MacOS/Tarnwick with permissions 644, the bundle with 755",
                  lambda: (contents / "MacOS" / "Tarnwick").chmod(0o644)),
-                ("AppIcon.icns as something else", link)]:
-            with self.subTest(sentence):
-                shutil.rmtree(self.bundle)
-                fixture.make_bundle(self.folder, PROGRAM)
-                change()
-                archive.write(self.bundle, self.packed)
-                shutil.rmtree(self.bundle)
-                fixture.make_bundle(self.folder, PROGRAM)
-                found = list(archive.compare(self.bundle, self.packed))
-                self.assertEqual(len(found), 1, found)
-                self.assertRegex(found[0], f"^Tarnwick.zip .*{sentence}")
+                ("AppIcon.icns as something else", lambda: icon.unlink() or icon.symlink_to("MenuBarTemplate.png"))]:
+            changed = self.fresh()
+            change()
+            archive.write(changed, self.folder / "Tarnwick.zip")
+            found = list(archive.compare(self.fresh(), self.folder / "Tarnwick.zip"))
+            self.assertEqual(len(found), 1, found)
+            self.assertRegex(found[0], f"^Tarnwick.zip .*{sentence}")
 
     def test_no_archive_at_all(self):
-        archive.write(self.bundle, self.packed)
-        whole = self.packed.read_bytes()
+        bundle, packed = self.fresh(), self.folder / "Tarnwick.zip"
+        archive.write(bundle, packed)
+        whole = packed.read_bytes()
         for content in (b"", whole[:len(whole) // 2], bytes(1000)):
-            self.packed.write_bytes(content)
+            packed.write_bytes(content)
             with self.assertRaisesRegex(archive.ArchiveError, "^Tarnwick.zip cannot be unpacked: "):
-                list(archive.compare(self.bundle, self.packed))
-        with zipfile.ZipFile(self.packed, "w"):
+                list(archive.compare(bundle, packed))
+        with zipfile.ZipFile(packed, "w"):
             pass
-        self.assertIn("Tarnwick.zip lacks Tarnwick.app/", list(archive.compare(self.bundle, self.packed)))
+        self.assertIn("Tarnwick.zip lacks Tarnwick.app/", list(archive.compare(bundle, packed)))

@@ -3,7 +3,6 @@ import io
 import os
 import shutil
 import subprocess
-import tempfile
 import unittest
 import zipfile
 from pathlib import Path
@@ -21,9 +20,8 @@ class Build(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        work = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(work.cleanup)
-        cls.first, cls.second = Path(work.name) / "one", Path(work.name) / "another-place"
+        folder = fixture.folder(cls.addClassCleanup)
+        cls.first, cls.second = folder / "one", folder / "another-place"
         for part in SOURCES:
             shutil.copytree(fixture.ROOT / part, cls.first / part, ignore=shutil.ignore_patterns("__pycache__"))
         shutil.copy(fixture.ROOT / "CMakeLists.txt", cls.first)
@@ -62,34 +60,26 @@ class Mac(unittest.TestCase):
     """What Apple's codesign is asked to do."""
 
     def signed(self, identity):
-        with tempfile.TemporaryDirectory() as work:
-            folder = Path(work)
-            bundle = fixture.make_bundle(folder, fixture.program(folder))
-            fixture.add_framework(bundle, fixture.library(folder))
-            calls = []
-            with mock.patch.object(build, "run", lambda *words: calls.append([str(word) for word in words])):
-                build.sign_with_apple(bundle, identity)
+        folder, calls = fixture.folder(self.addCleanup), []
+        bundle = fixture.make_bundle(folder, fixture.program(folder))
+        fixture.add_framework(bundle, fixture.library(folder))
+        with mock.patch.object(build, "run", lambda *words: calls.append([str(word) for word in words])):
+            build.sign_with_apple(bundle, identity)
         return calls
 
-    def test_innermost_first(self):
-        names = [Path(call[-1]).name for call in self.signed(None)]
-        self.assertEqual(names, ["Helper", "Updater.framework", "Tarnwick.app", "Tarnwick.app"])
-
-    def test_hardened_always_and_entitled_only_ad_hoc(self):
+    def test_innermost_first_hardened_always_and_entitled_only_ad_hoc(self):
         for identity, name in ((None, "-"), (IDENTITY, IDENTITY)):
-            with self.subTest(identity):
-                *nested, application, _ = self.signed(identity)
-                for call in [*nested, application]:
-                    self.assertEqual(call[call.index("--sign") + 1], name)
-                    self.assertEqual(call[call.index("--options") + 1], "runtime")
-                    self.assertEqual("--entitlements" in call, call is application and identity is None)
+            calls = self.signed(identity)
+            self.assertEqual([Path(call[-1]).name for call in calls],
+                             ["Helper", "Updater.framework", "Tarnwick.app", "Tarnwick.app"])
+            for call in calls[:3]:
+                self.assertEqual(call[call.index("--sign") + 1], name)
+                self.assertEqual(call[call.index("--options") + 1], "runtime")
+                self.assertEqual("--entitlements" in call, call is calls[2] and identity is None)
 
-    def test_identity_elsewhere_is_refused(self):
-        with mock.patch.object(build.platform, "system", lambda: "Linux"):
-            with self.assertRaisesRegex(build.BuildError, "only on a Mac"):
-                build.build(Path("unused"), IDENTITY, [])
-
-    def test_placeholders_are_for_nobody_else(self):
-        with mock.patch.object(build.platform, "system", lambda: "Darwin"):
-            with self.assertRaisesRegex(build.BuildError, "fill in SUFeedURL and SUPublicEDKey in bundle/Info.plist.in"):
-                build.build(Path("unused"), IDENTITY, [])
+    def test_identity_elsewhere_or_with_placeholders_is_refused(self):
+        for system, sentence in (("Linux", "only on a Mac"),
+                                 ("Darwin", "fill in SUFeedURL and SUPublicEDKey in bundle/Info.plist.in")):
+            with mock.patch.object(build.platform, "system", lambda: system):
+                with self.assertRaisesRegex(build.BuildError, sentence):
+                    build.build(Path("unused"), IDENTITY, [])

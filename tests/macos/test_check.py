@@ -4,9 +4,7 @@ import hashlib
 import plistlib
 import shutil
 import struct
-import tempfile
 import unittest
-from pathlib import Path
 from unittest import mock
 
 import fixture
@@ -16,9 +14,7 @@ from macos import archive, check, information, macho, sysroot, verify
 class Check(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.work = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.work.cleanup)
-        cls.folder = Path(cls.work.name)
+        cls.folder = fixture.folder(cls.addClassCleanup)
         cls.libraries = sysroot.read_libraries()
         cls.good = fixture.link(cls.folder, "arm64", options=fixture.PROGRAM_OPTIONS)
 
@@ -45,7 +41,8 @@ class Check(unittest.TestCase):
 
     def test_header(self):
         flags = struct.unpack_from("<I", self.good, 24)[0]
-        build = macho.read_image(self.good).command(macho.LC_BUILD_VERSION)
+        image = macho.read_image(self.good)
+        build, segment = image.command(macho.LC_BUILD_VERSION), image.segment("__DATA_CONST") or image.segment("__TEXT")
         for sentence, code in [
                 ("not position independent", self.changed(24, "<I", flags & ~check.FLAG_PIE)),
                 ("flat namespace", self.changed(24, "<I", flags & ~check.FLAG_TWO_LEVEL)),
@@ -55,27 +52,27 @@ class Check(unittest.TestCase):
                 (r"oldest system is macOS 14\.0, not 13\.0", self.changed(build + 12, "<I", 14 << 16)),
                 (r"SDK is macOS 15\.2, not 13\.0", self.changed(build + 16, "<I", 15 << 16 | 2 << 8)),
                 ("no unwind tables", self.good.replace(b"__unwind_info", b"__unwind_none")),
+                ("may be written and executed", self.changed(segment.command + 56, "<I", 7)),
                 ("does not say for which system", self.changed(build, "<I", 0x7F))]:
-            with self.subTest(sentence):
-                self.assert_problem(sentence, code)
+            self.assert_problem(sentence, code)
 
-    def test_segment_that_is_written_and_executed(self):
-        segment = macho.read_image(self.good).segment("__DATA_CONST") or macho.read_image(self.good).segment("__TEXT")
-        self.assert_problem("may be written and executed", self.changed(segment.command + 56, "<I", 7))
-
-    def test_libraries(self):
+    def test_linking(self):
         names = [f"-framework{library.name}" if library.is_framework else f"-l{library.name}"
                  for library in self.libraries]
         (self.folder / "stubs" / "libextra.tbd").write_text(
             sysroot.stub_text(sysroot.Library("extra", "/usr/lib/libextra.dylib", "1", "1", [])))
+        early = "volatile int early; __attribute__((constructor)) void first(void) { early = 1; }\n"
         for sentence, code in [
                 ("does not load .*AppKit", self.linked(libraries=names[1:])),
                 ("loads /usr/lib/libextra.dylib, which", self.linked(libraries=[*names, "-lextra"])),
                 ("loads .*/AppKit by LC_LOAD_WEAK_DYLIB",
                  self.linked(libraries=["-Wl,-weak_framework,AppKit", *names[1:]])),
-                ("looks for libraries in /usr/lib", self.linked(fixture.SOURCE, "-Wl,-rpath,/usr/lib/swift"))]:
-            with self.subTest(sentence):
-                self.assert_problem(sentence, code)
+                ("looks for libraries in /usr/lib", self.linked(fixture.SOURCE, "-Wl,-rpath,/usr/lib/swift")),
+                ("offers _offered to others", fixture.link(
+                    self.folder, "arm64", fixture.SOURCE + "int offered(void) { return 1; }\n",
+                    ["-Wl,-exported_symbol,_offered", *fixture.PROGRAM_OPTIONS])),
+                ("runs 1 static initialiser before main", self.linked(fixture.SOURCE + early))]:
+            self.assert_problem(sentence, code)
 
     def without(self, name):
         """The table as if a symbol were not listed."""
@@ -105,25 +102,15 @@ class Check(unittest.TestCase):
         self.assert_problem(r"linked with version 2299\.0 of .*/AppKit, compatible with 45\.0; .* says 2500\.1 and 45",
                             self.good, newer)
 
-    def test_exports(self):
-        exporting = fixture.link(self.folder, "arm64", fixture.SOURCE + "int offered(void) { return 1; }\n",
-                                 ["-Wl,-exported_symbol,_offered", *fixture.PROGRAM_OPTIONS])
-        self.assert_problem("offers _offered to others", exporting)
-
-    def test_static_initialiser(self):
-        early = "volatile int early; __attribute__((constructor)) void first(void) { early = 1; }\n"
-        self.assert_problem("runs 1 static initialiser before main", self.linked(fixture.SOURCE + early))
-
     def test_text_of_the_building_machine(self):
+        def holding(text):
+            return self.linked(fixture.SOURCE + f'__attribute__((used)) const char left[] = "{text}";\n')
+
         for text in ("/home/someone/tarnwick/app/Main", "/usr/lib/llvm/include", "read /opt/tools/cc now",
                      "remap/EventTap.cpp", "_ZN7desktop8resolvedEv"):
-            with self.subTest(text):
-                code = self.linked(fixture.SOURCE + f'__attribute__((used)) const char left[] = "{text}";\n')
-                self.assert_problem('the text ".*" of the machine', code)
+            self.assert_problem('the text ".*" of the machine', holding(text))
         for text in ("/Applications/Some.app", "https://example.org/page/one", "50 km/h"):
-            with self.subTest(text):
-                self.assertEqual(self.problems(self.linked(
-                    fixture.SOURCE + f'__attribute__((used)) const char left[] = "{text}";\n')), [])
+            self.assertEqual(self.problems(holding(text)), [], text)
 
     def test_debugger_symbols(self):
         unstripped = [word for word in fixture.LINK_OPTIONS if word not in ("-Wl,-S", "-Wl,-x")]
@@ -137,9 +124,7 @@ class Bundle(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.work = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.work.cleanup)
-        cls.folder = Path(cls.work.name)
+        cls.folder = fixture.folder(cls.addClassCleanup)
         cls.code = fixture.program(cls.folder)
 
     def setUp(self):
@@ -166,13 +151,11 @@ class Bundle(unittest.TestCase):
                 (lambda: (contents / "Resources" / "Noise").write_bytes(noise), r"Tarnwick.zip has 3\d+ bytes, more than"),
                 (lambda: program.write_bytes(one), "Tarnwick is for x86_64, not for arm64, x86_64"),
                 ((contents / "Resources" / "AppIcon.icns").unlink, "Resources/AppIcon.icns is missing")]:
-            with self.subTest(sentence):
-                self.setUp()
-                fault()
-                self.assertRegex("\n".join(self.problems()), sentence)
-
-    def test_layout(self):
-        (self.bundle / "Contents" / "MacOS" / "Tarnwick").chmod(0o777)
+            self.setUp()
+            fault()
+            self.assertRegex("\n".join(self.problems()), sentence)
+        self.setUp()
+        program.chmod(0o777)
         archive.write(self.bundle, self.archive)
         with self.assertRaisesRegex(verify.VerificationError, "MacOS/Tarnwick has the permissions 777"):
             check.check_bundle(self.bundle, self.archive)
@@ -191,8 +174,7 @@ class Bundle(unittest.TestCase):
                 ({"SUFeedURL": "http://example.org/feed"}, "'http://example.org/feed', not an https address"),
                 ({"SUFeedURL": "https://example.org/feed"}, "no update framework that could use it"),
                 ({"SUPublicEDKey": b"key"}, "SUFeedURL and SUPublicEDKey must be texts")]:
-            with self.subTest(sentence):
-                file.write_bytes(plistlib.dumps({**good, **change}))
-                self.assertRegex("\n".join(self.problems()), f"Info.plist: .*{sentence}")
+            file.write_bytes(plistlib.dumps({**good, **change}))
+            self.assertRegex("\n".join(self.problems()), f"Info.plist: .*{sentence}")
         with_framework = list(information.check({**good, "SUFeedURL": "https://example.org/feed"}, has_framework=True))
         self.assertEqual(with_framework, [])

@@ -1,7 +1,6 @@
 """A small program that asks the platform for what it has not; the proof of the interface must name each mistake."""
 import os
 import shutil
-import tempfile
 import unittest
 from pathlib import Path
 
@@ -158,9 +157,8 @@ class Interface(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.work = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(cls.work.cleanup)
-        correct, wrong = Path(cls.work.name) / "correct", Path(cls.work.name) / "wrong"
+        cls.folder = fixture.folder(cls.addClassCleanup)
+        correct, wrong = cls.folder / "correct", cls.folder / "wrong"
         copy(correct)
         cls.about_correct, (cls.correct, _) = examine(correct)
         cls.asked = cls.correct[0]
@@ -192,7 +190,7 @@ class Interface(unittest.TestCase):
             program.Reader("arm64", program.Code()).read()
 
     def test_own_declarations_of_the_stand_in(self):
-        folder = Path(self.work.name) / "wrong"
+        folder = self.folder / "wrong"
         (folder / "desktop").mkdir()
         (folder / "desktop" / "Own.cpp").write_text("\n".join(STAND_IN) + "\n")
         _, compiler, sources = self.wrong[0]

@@ -41,7 +41,3 @@ class KeyCost(unittest.TestCase):
                     cost = key_cost.cost(processor, situation)
                     self.assertEqual(cost.calls, calls)
                     self.assertLessEqual(cost.instructions, most)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -3,9 +3,7 @@ import functools
 import shutil
 import struct
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
 import fixture
 from macos import macho
@@ -29,10 +27,9 @@ class Sessions(unittest.TestCase):
     """Every session, compared with what the native command leaves: all it says, and all files."""
 
     def left(self, command, session):
-        with tempfile.TemporaryDirectory() as work:
-            folder = shutil.copytree(session.folder, Path(work) / "sessions")
-            said = run(command, *session.words, folder=folder)
-            return said, {path.name: path.read_bytes() for path in sorted(folder.iterdir()) if path.is_file()}
+        folder = shutil.copytree(session.folder, fixture.folder(self.addCleanup) / "sessions")
+        said = run(command, *session.words, folder=folder)
+        return said, {path.name: path.read_bytes() for path in sorted(folder.iterdir()) if path.is_file()}
 
     def test_everything_is_as_the_native_command_leaves_it(self):
         for session in sessions.all_sessions():
@@ -49,9 +46,7 @@ class Case(unittest.TestCase):
     """Commands beside a program of the test's own."""
 
     def setUp(self):
-        work = tempfile.TemporaryDirectory()
-        self.addCleanup(work.cleanup)
-        self.folder = Path(work.name)
+        self.folder = fixture.folder(self.addCleanup)
         self.program = self.folder / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick"
         self.program.parent.mkdir(parents=True)
         for command in COMMANDS.values():
@@ -67,18 +62,16 @@ class Case(unittest.TestCase):
         command = f'ulimit -S -t 1; exec ./{COMMANDS[processor].name} --trace'
         return run("sh", "-c", command, folder=self.folder, input=session.encode())
 
+    def mac_program(self, source):
+        """A universal program from these lines of C."""
+        return fixture.program(fixture.folder(self.addCleanup), source=source)
+
     def expect_refusal(self, code, sentence):
         for processor in COMMANDS:
             with self.subTest(processor):
                 status, _, complaints = self.play(processor, code)
                 self.assertRegex(complaints, rf"\Atarnwick: .*{sentence}\n\Z")
                 self.assertEqual(status, 2)
-
-
-def mac_program(source):
-    """A universal program from these lines of C."""
-    with tempfile.TemporaryDirectory() as work:
-        return fixture.program(Path(work), source=source)
 
 
 @functools.cache
@@ -102,9 +95,8 @@ class Refusals(Case):
         self.expect_refusal(b"", "Tarnwick is cut off")
         self.expect_refusal(b"#!/bin/sh\n" * 100, "Tarnwick is not a universal program")
         self.expect_refusal(macho.slices(shipped())[0], "Tarnwick is not a universal program")
-        with tempfile.TemporaryDirectory() as work:
-            self.expect_refusal(fixture.library(Path(work)),
-                                "Tarnwick has a slice that is not a program for this processor")
+        self.expect_refusal(fixture.library(fixture.folder(self.addCleanup)),
+                            "Tarnwick has a slice that is not a program for this processor")
 
     def test_other_processor(self):
         for part, missing in zip(macho.slices(shipped()), reversed(macho.slices(shipped()))):
@@ -120,25 +112,20 @@ class Refusals(Case):
                                 "Tarnwick is cut off")
 
     def test_load_commands(self):
-        def unknown(part, commands):
-            struct.pack_into("<I", part, commands[macho.LC_RPATH if macho.LC_RPATH in commands else 0x32], 0x80000099)
-
-        def without_size(part, commands):
-            struct.pack_into("<I", part, commands[macho.LC_MAIN] + 4, 0)
-
-        def entry_in_data(part, commands):
-            data = macho.read_image(bytes(part)).segment("__DATA")
-            struct.pack_into("<Q", part, commands[macho.LC_MAIN] + 8, data.file_offset)
-
-        self.expect_refusal(changed_slices(unknown), "load command 0x80000099, which the loader does not know")
-        self.expect_refusal(changed_slices(without_size), "a load command without a size")
-        self.expect_refusal(changed_slices(entry_in_data), "its entry outside its code")
+        for sentence, layout, command, offset, value in (
+                ("load command 0x80000099, which the loader does not know", "<I",
+                 macho.LC_BUILD_VERSION, 0, lambda part: 0x80000099),
+                ("a load command without a size", "<I", macho.LC_MAIN, 4, lambda part: 0),
+                ("its entry outside its code", "<Q", macho.LC_MAIN, 8,
+                 lambda part: macho.read_image(bytes(part)).segment("__DATA").file_offset)):
+            self.expect_refusal(changed_slices(lambda part, commands: struct.pack_into(
+                layout, part, commands[command] + offset, value(part))), sentence)
 
     def test_features(self):
         for name, source in (
                 ("__.*init.*", "__attribute__((constructor)) void early(void) { __builtin_trap(); }"),
                 ("__objc_classlist", '__attribute__((section("__DATA,__objc_classlist"), used)) void *list[1];')):
-            self.expect_refusal(mac_program(f"{source}\nint main(void) {{ return 0; }}\n"),
+            self.expect_refusal(self.mac_program(f"{source}\nint main(void) {{ return 0; }}\n"),
                                 f"section {name}, which the loader does not know")
 
     def test_import_that_the_stand_in_lacks(self):
@@ -180,22 +167,18 @@ class Failures(Case):
     """What the machine code itself does wrong."""
 
     def test_program_that_stops(self):
-        self.expect_refusal(mac_program("int main(void) { for (;;) ; }\n"), "has computed for too long and was ended")
-        self.expect_refusal(mac_program("int main(void) { __builtin_trap(); }\n"), "an instruction that stops it")
-        self.expect_refusal(mac_program("int main(void) { return *(volatile int *)8; }\n"), "memory that is not there")
+        self.expect_refusal(self.mac_program("int main(void) { for (;;) ; }\n"), "has computed for too long and was ended")
+        self.expect_refusal(self.mac_program("int main(void) { __builtin_trap(); }\n"), "an instruction that stops it")
+        self.expect_refusal(self.mac_program("int main(void) { return *(volatile int *)8; }\n"), "memory that is not there")
         deep = "int main(void) { volatile int part = 1; return main() + part; }\n"
-        self.expect_refusal(mac_program(deep), "memory that is not there")
+        self.expect_refusal(self.mac_program(deep), "memory that is not there")
 
     def test_messages(self):
         for line, sentence in (
                 ('SEND(void, object, "nonsense");', "there is no method 'nonsense' of a NSMenu"),
                 ('objc_release(object); SEND(void, object, "init");', "message 'init' to a released NSMenu"),
                 ('SEND(void, 0, "init");', "message 'init' to nothing")):
-            code = mac_program(MESSAGES % line)
+            code = self.mac_program(MESSAGES % line)
             for processor in COMMANDS:
                 with self.subTest(sentence=sentence, processor=processor):
                     self.assertIn(f"tarnwick: {sentence}\n", self.play(processor, code)[2])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,8 +1,6 @@
 """What stands for Apple's SDK is exactly what was pinned and listed."""
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
 import fixture
 from macos import sysroot
@@ -10,9 +8,7 @@ from macos import sysroot
 
 class Sysroot(unittest.TestCase):
     def setUp(self):
-        work = tempfile.TemporaryDirectory()
-        self.addCleanup(work.cleanup)
-        self.folder = Path(work.name)
+        self.folder = fixture.folder(self.addCleanup)
 
     def test_other_archive_is_refused(self):
         (self.folder / "headers.tgz").write_bytes(b"something else")
@@ -29,14 +25,13 @@ class Sysroot(unittest.TestCase):
                 ("A  /usr/lib/a  1  1\n  f  10.0  x:B/b.h\n", "imports.txt:2: f is listed under A, but its source says B"),
                 ("A  /usr/lib/a  1  1\n  f  10.0  x:A\nB  /usr/lib/b  1  1\n  f  10.0  x:B\n",
                  "imports.txt:4: f is listed twice")]:
-            with self.subTest(text):
-                (self.folder / "imports.txt").write_text(text)
-                with self.assertRaisesRegex(sysroot.SysrootError, sentence):
-                    sysroot.read_libraries(self.folder / "imports.txt")
+            (self.folder / "imports.txt").write_text(text)
+            with self.assertRaisesRegex(sysroot.SysrootError, sentence, msg=text):
+                sysroot.read_libraries(self.folder / "imports.txt")
 
     def test_only_listed_symbols_link(self):
-        for processor, source in (("arm64", "int unlisted(void); int main(void) { return unlisted(); }\n"),
-                                  ("arm64", "void objc_msgSend_stret(void); int main(void) { objc_msgSend_stret(); }\n")):
-            with self.subTest(source), self.assertRaises(subprocess.CalledProcessError) as caught:
-                fixture.link(self.folder, processor, source=source)
+        for source in ("int unlisted(void); int main(void) { return unlisted(); }\n",
+                       "void objc_msgSend_stret(void); int main(void) { objc_msgSend_stret(); }\n"):
+            with self.assertRaises(subprocess.CalledProcessError, msg=source) as caught:
+                fixture.link(self.folder, "arm64", source=source)
             self.assertIn("undefined symbol", caught.exception.stderr)
