@@ -173,6 +173,11 @@ class Failures(Case):
         deep = "int main(void) { volatile int part = 1; return main() + part; }\n"
         self.expect_refusal(self.mac_program(deep), "memory that is not there")
 
+    def test_missing_emulator(self):
+        status, _, complaints = run("/bin/sh", COMMANDS["arm64"].name, folder=self.folder, env={"PATH": ""})
+        self.assertEqual((status, complaints), (2, "tarnwick-shipped-arm64: qemu-aarch64 is missing; it is in the package "
+                                                   "qemu-user\n"))
+
     def test_messages(self):
         for line, sentence in (
                 ('SEND(void, object, "nonsense");', "there is no method 'nonsense' of a NSMenu"),
