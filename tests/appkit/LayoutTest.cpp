@@ -112,16 +112,14 @@ TEST(LayoutDeathTest, MistakesStopWithASentence) {
                "anchors of different kinds");
 }
 
-TEST(FontMetrics, ShorteningKeepsBothEndsAndWholeCharacters) {
+TEST(FontMetrics, ShorteningKeepsBothEndsAndWrappingWholeWords) {
   const Typeface face{10, false}; // an "a" takes 5.6, an emoji and the ellipsis 10
   EXPECT_EQ(shortenedInMiddle(u"aaaa", face, 22.4), u"aaaa");
   EXPECT_EQ(shortenedInMiddle(u"abcdefgh", face, 30), u"ab…h");
   EXPECT_EQ(shortenedInMiddle(u"\U0001F600\U0001F601\U0001F602", face, 29), u"\U0001F600…");
   EXPECT_EQ(shortenedInMiddle(u"aaaa", face, 3), u"…") << "the ellipsis stays, however narrow";
-}
 
-TEST(FontMetrics, WrappingBreaksAtSpacesAndLeavesLongWordsWhole) {
-  const Typeface face{10, false};
+  // Wrapping breaks at spaces and leaves long words whole.
   EXPECT_EQ(wrapped(u"aa aa aaaaaaaa a", face, 26), (std::vector<std::u16string>{u"aa aa", u"aaaaaaaa", u"a"}));
   EXPECT_EQ(wrapped(u"", face, 26), std::vector<std::u16string>{u""});
 }

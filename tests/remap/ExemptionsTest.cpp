@@ -23,17 +23,11 @@ protected:
     return texts;
   }
   const PropertyList* storedValue() { return desktop.machine.defaults->file->value(u"exemptBundleIDs"); }
-  Texts stored() {
-    Texts texts;
-    for (const PropertyList& each : *storedValue()->as<PropertyList::Array>()) {
-      texts.push_back(*each.as<std::u16string>());
-    }
-    return texts;
-  }
   /// The list, which must be what is stored, too.
   Texts both() {
-    EXPECT_EQ(listed(), stored());
-    return listed();
+    const Texts list = listed();
+    EXPECT_TRUE(*storedValue() == PropertyList(PropertyList::Array(list.begin(), list.end()))) << "another is stored";
+    return list;
   }
 };
 

@@ -3,22 +3,12 @@
 namespace tarnwick {
 namespace {
 
-using desktop::PropertyList;
-
 // What becomes of a choice, sessions tell.
 
-/// The bundle of an application that is the Editor.
-std::string makeBundle(const desktop::TemporaryFolder& folder) {
-  const auto bundle = folder.path / "Chosen.app";
-  std::filesystem::create_directories(bundle / "Contents");
-  desktop::writeFile(bundle / "Contents" / "Info.plist",
-                     writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
-  return bundle.string();
-}
+/// An application of the Editor's identifier.
+const std::string app = TARNWICK_SOURCE_DIR "/tests/sessions/Chosen.app";
 
 TEST(ExemptionsPanel, TakesNothingUnlessItIsConfirmed) {
-  const desktop::TemporaryFolder folder;
-  const auto app = makeBundle(folder);
   for (const char* end : {"cancel", "# the end of the input"}) {
     desktop::TestDesktop desktop;
     desktop.play({"menu Settings…\nclick \"Choose App…\"",
@@ -46,7 +36,6 @@ TEST(ExemptionsPanel, AsksForOneApplication) {
 
 TEST(NextRun, HasAllSwitchesOnAgainAndTheExemptionsKept) {
   const desktop::TemporaryFolder folder;
-  const auto app = makeBundle(folder);
   const auto run = [&](const std::string& session) {
     desktop::TestDesktop desktop;
     desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");

@@ -8,6 +8,7 @@
 #include <deque>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 int tarnwickMain();
 
@@ -31,10 +32,9 @@ public:
 private:
   void take(const Step& taken) {
     if (const auto* look = std::get_if<std::function<void()>>(&taken)) return (*look)();
-    const std::string& lines = std::get<std::string>(taken);
-    for (std::size_t begin = 0, end = 0; begin < lines.size(); begin = end + 1) {
-      end = std::min(lines.find('\n', begin), lines.size());
-      auto read = grammar.read(std::string_view(lines).substr(begin, end - begin));
+    std::istringstream lines(std::get<std::string>(taken));
+    for (std::string line; std::getline(lines, line);) {
+      auto read = grammar.read(line);
       if (auto* command = std::get_if<Command>(&read)) commands.push_back(std::move(*command));
       if (const auto* mistake = std::get_if<Mistake>(&read)) ADD_FAILURE() << mistake->text();
     }

@@ -193,7 +193,3 @@ class OldBrowser(BrowserTest):
         self.wait(lambda: "DecompressionStream" in self.fault())
         self.assertIn("It takes a current browser", self.fault())
         self.assertFalse(self.browser.find_element(By.TAG_NAME, "main").is_displayed())
-
-
-if __name__ == "__main__":
-    unittest.main()
