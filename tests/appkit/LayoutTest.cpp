@@ -79,22 +79,21 @@ TEST_F(Layout, RemovingAnArrangedViewTakesTwoSteps) {
 }
 
 TEST(ConstraintSolver, TheContainerIsAsLongAsItsMostDemandingBoxNeeds) {
-  const auto inset = [](std::size_t box, double by) {
-    return std::vector<Relation>{{box, Edge::Start, 0, Edge::Start, by}, {0, Edge::End, box, Edge::End, by}};
-  };
   std::vector<Relation> relations;
-  for (const auto& each : {inset(1, 20), inset(2, 5), inset(3, 0)})
-    relations.insert(relations.end(), each.begin(), each.end());
+  for (const auto& [box, by] : {std::pair<std::size_t, double>{1, 20}, {2, 5}, {3, 0}}) {
+    relations.push_back({box, Edge::Start, 0, Edge::Start, by});
+    relations.push_back({0, Edge::End, box, Edge::End, by});
+  }
   EXPECT_EQ(solve({std::nullopt, 30, 70, std::nullopt}, relations).least, 80);
   EXPECT_EQ(solve({std::nullopt, 50, 70, std::nullopt}, relations).least, 90);
   EXPECT_EQ(solve({std::nullopt, std::nullopt, std::nullopt, std::nullopt}, relations).least, std::nullopt);
 }
 
 TEST(ConstraintSolver, OfContradictionsTheFirstHoldsAndCirclesEnd) {
-  const Solution contradicting =
+  const auto contradicting =
       solve({std::nullopt, 30}, {{1, Edge::Start, 0, Edge::Start, 5}, {1, Edge::Start, 0, Edge::Start, 9}});
   EXPECT_EQ(contradicting.spans[1].start.in(100), 5);
-  const Solution circle =
+  const auto circle =
       solve({std::nullopt, 30, 40}, {{1, Edge::Start, 2, Edge::End, 1}, {2, Edge::Start, 1, Edge::End, 1}});
   EXPECT_EQ(circle.spans[1].length.in(100), 30);
   EXPECT_EQ(circle.spans[2].start.in(100), circle.spans[1].start.in(100) + 31);

@@ -16,16 +16,16 @@ using Data = PropertyList::Data;
 using Date = PropertyList::Date;
 
 Data countingBytes(int count) {
-  Data data;
+  Data data(count);
   for (int i = 0; i < count; ++i)
-    data.push_back(static_cast<std::byte>(i));
+    data[i] = static_cast<std::byte>(i);
   return data;
 }
 
 Array multiplesOf50(int count) {
-  Array numbers;
+  Array numbers(count);
   for (int i = 0; i < count; ++i)
-    numbers.emplace_back(50 * i);
+    numbers[i] = 50 * i;
   return numbers;
 }
 
@@ -161,16 +161,12 @@ TEST(PropertyList, FaultyXmlNamesTheLine) {
 }
 
 TEST(PropertyList, DeepNestingIsRefused) {
-  const auto nested = [](std::size_t depth) {
-    PropertyList value = Array();
-    for (std::size_t i = 1; i < depth; ++i)
-      value = Array{std::move(value)};
-    return value;
-  };
-  const auto deepest = nested(maxPropertyListNesting);
-  EXPECT_EQ(read(writeXml(deepest)), deepest);
-  EXPECT_EQ(read(writeBinary(deepest)), deepest);
-  const auto deeper = nested(maxPropertyListNesting + 1);
+  PropertyList value = Array();
+  for (std::size_t depth = 1; depth < maxPropertyListNesting; ++depth)
+    value = Array{std::move(value)};
+  EXPECT_EQ(read(writeXml(value)), value);
+  EXPECT_EQ(read(writeBinary(value)), value);
+  const PropertyList deeper = Array{value};
   EXPECT_NE(errorOf(writeXml(deeper)), "");
   EXPECT_NE(errorOf(writeBinary(deeper)), "");
   std::string open;

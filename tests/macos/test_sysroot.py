@@ -29,9 +29,8 @@ class Sysroot(unittest.TestCase):
             with self.assertRaisesRegex(sysroot.SysrootError, sentence, msg=text):
                 sysroot.read_libraries(self.folder / "imports.txt")
 
-    def test_only_listed_symbols_link(self):
-        for source in ("int unlisted(void); int main(void) { return unlisted(); }\n",
-                       "void objc_msgSend_stret(void); int main(void) { objc_msgSend_stret(); }\n"):
-            with self.assertRaises(subprocess.CalledProcessError, msg=source) as caught:
-                fixture.link(self.folder, "arm64", source=source)
-            self.assertIn("undefined symbol", caught.exception.stderr)
+    def test_symbols_link_only_for_their_processor(self):
+        source = "void objc_msgSend_stret(void); int main(void) { objc_msgSend_stret(); }\n"
+        with self.assertRaises(subprocess.CalledProcessError) as caught:
+            fixture.link(self.folder, "arm64", source=source)
+        self.assertIn("undefined symbol", caught.exception.stderr)

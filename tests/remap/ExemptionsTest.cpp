@@ -79,14 +79,13 @@ TEST_F(ExemptionsTest, AreSortedByCodePointAfterComposition) {
 TEST_F(ExemptionsTest, OrderTextsThatComposeAlikeTheSameEveryTime) {
   const std::u16string composed = u"caf\u00E9";
   const std::u16string decomposed = u"cafe\u0301";
-  add(composed);
-  add(decomposed);
-  const Texts first = both();
-  EXPECT_EQ(first, (Texts{decomposed, composed})) << "two different texts, by their own code points";
-  remove(composed);
-  EXPECT_EQ(both(), (Texts{decomposed}));
-  add(composed);
-  EXPECT_EQ(both(), first);
+  for (int times = 0; times < 2; ++times) {
+    add(composed);
+    add(decomposed);
+    EXPECT_EQ(both(), (Texts{decomposed, composed})) << "two different texts, by their own code points";
+    remove(composed);
+    EXPECT_EQ(both(), (Texts{decomposed}));
+  }
   front(decomposed);
   EXPECT_FALSE(rewrites());
   remove(decomposed);

@@ -7,25 +7,16 @@ using namespace std::string_literals;
 
 namespace {
 
-std::vector<Command> commandsOf(std::string_view text) {
-  const auto read = readSession("s", text);
-  if (const auto* mistake = std::get_if<Mistake>(&read)) {
-    ADD_FAILURE() << mistake->text();
-    return {};
-  }
-  return std::get<std::vector<Command>>(read);
-}
-
-std::string mistakeOf(std::string_view text) {
-  const auto read = readSession("s", text);
+/// What is wrong with a session or a line of one.
+std::string mistakeIn(const auto& read) {
   const auto* mistake = std::get_if<Mistake>(&read);
   return mistake ? mistake->text() : "no mistake";
 }
 
-std::string answer(SessionGrammar& grammar, std::string_view line) {
-  const auto read = grammar.read(line);
-  if (const auto* mistake = std::get_if<Mistake>(&read)) return mistake->text();
-  return std::holds_alternative<Command>(read) ? "command" : "nothing";
+std::vector<Command> commandsOf(std::string_view text) {
+  const auto read = readSession("s", text);
+  EXPECT_EQ(mistakeIn(read), "no mistake");
+  return std::get<std::vector<Command>>(read);
 }
 
 TEST(SessionGrammar, SplitsWordsByTheirFirstCharacter) {
@@ -80,7 +71,8 @@ TEST(SessionGrammar, TellsTheFirstMistakeAndItsLine) {
   };
   for (const auto& [line, what] : rows)
     for (const char* rest : {"", "\r\n", "\nunknown"})
-      EXPECT_EQ(mistakeOf("app Mail\r\n \t# comment\n\"cancel\" # launches\n" + line + rest), "s:4: " + what);
+      EXPECT_EQ(mistakeIn(readSession("s", "app Mail\r\n \t# comment\n\"cancel\" # launches\n" + line + rest)),
+                "s:4: " + what);
 }
 
 TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
@@ -89,20 +81,20 @@ TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {
   const std::pair<const char*, std::string> lines[] = {
       {"app Tarnwick", "-:1: " + already + "\"Tarnwick\" already"},
       {"app Mail a b", "-:2: extra argument \"b\": app NAME [BUNDLE-ID]"},
-      {"app Mail", "command"},
+      {"app Mail", "no mistake"},
       {"app Mail", "-:4: " + already + "\"Mail\" already"},
-      {"app mail", "command"},
+      {"app mail", "no mistake"},
       {"app Mail", "-:6: " + already + "\"Mail\" already"},
-      {"end Mail", "command"},
-      {"end Mail", "command"},
-      {"app Mail", "command"},
+      {"end Mail", "no mistake"},
+      {"end Mail", "no mistake"},
+      {"app Mail", "no mistake"},
       {"press nothing", "-:10: unknown key \"nothing\""},
-      {"launch", "command"},
+      {"launch", "no mistake"},
       {"launch", "-:12: Tarnwick has been launched already"},
       {"app Tarnwick", "-:13: " + already + "\"Tarnwick\" already"},
   };
   for (const auto& [line, expected] : lines)
-    EXPECT_EQ(answer(grammar, line), expected) << line;
+    EXPECT_EQ(mistakeIn(grammar.read(line)), expected) << line;
   // What prepares the desktop does not launch.
   EXPECT_EQ(commandsOf("trust no\ntaps auto\nscreen none\napp A\nend A\nfront none\nfocus none\nlaunch").size(), 8u);
 }
