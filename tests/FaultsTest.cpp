@@ -95,8 +95,6 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{"NSWindow contentView", "menu Settings…",
               launch + "window\tTarnwick Settings\t540\t695\n" + front + terminate},
         Fault{"NSWindow screen", "menu Settings…", launch + shown + terminate},
-        Fault{"NSScreen mainScreen", "menu Settings…",
-              launch + "window\tTarnwick Settings\t612\t868\n" + front + terminate},
         Fault{"NSView layer", "menu Settings…", launch + shown + terminate},
         Fault{"NSOpenPanel URL", "menu Settings…\nclick \"Choose App…\"\nchoose /\nshow defaults",
               launch + shown + "panel\tChoose Application to Exempt\nanswer\t/\ndefault\texemptBundleIDs\t-\n" +
