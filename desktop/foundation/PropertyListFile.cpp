@@ -3,9 +3,9 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
 #include <string_view>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -45,42 +45,80 @@ void writeAll(int file, std::string_view bytes) {
   }
 }
 
+/// The folder of a file that is to be replaced, locked for one saver at a time. A lock on the file itself would end
+/// with the file, and one on a file beside it would have to stay there.
+class LockedFolder {
+public:
+  explicit LockedFolder(const std::filesystem::path& file)
+      : path(file.has_parent_path() ? file.parent_path() : "."),
+        directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    int answer = 0;
+    do
+      answer = ::flock(directory.get(), LOCK_EX);
+    while (answer != 0 && errno == EINTR);
+    // Some file systems of networks cannot lock folders. There savers do not wait for each other, so each has a name of
+    // its own for what it writes, and the last one wins.
+    replacement = path / ".defaults-saving";
+    if (answer != 0) replacement += "-" + std::to_string(::getpid());
+  }
+
+  /// Where the next contents are written. Under the lock nobody else does: what is there was left by a saver that was
+  /// killed.
+  const std::filesystem::path& replacementPath() const { return replacement; }
+
+  /// So far only the contents are sure to be on disk; the folder has to be, too, for a new name to outlast a crash.
+  /// Some file systems cannot do that for folders, and then nothing better can be done.
+  void sync() const { ::fsync(directory.get()); }
+
+private:
+  std::filesystem::path path;
+  Descriptor directory;
+  std::filesystem::path replacement;
+};
+
 /// A file being written beside the one that it is to replace; it vanishes unless it does.
 class Replacement {
 public:
-  explicit Replacement(const std::filesystem::path& replaced)
-      : target(replaced), name((replaced.parent_path() / ".defaults-XXXXXX").string()),
-        file(::mkostemp(name.data(), O_CLOEXEC)) {
+  explicit Replacement(const LockedFolder& lockedFolder)
+      : folder(lockedFolder), file(created(folder.replacementPath())) {
     if (!file) failWith("cannot be saved in its folder", errno);
   }
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
   ~Replacement() {
-    if (file && !moved) ::unlink(name.c_str());
+    if (file && !moved) ::unlink(folder.replacementPath().c_str());
   }
 
-  void write(std::string_view bytes, std::optional<mode_t> permissions) {
+  void write(std::string_view bytes) {
     writeAll(file.get(), bytes);
-    if (permissions && ::fchmod(file.get(), *permissions) != 0) failWith("cannot be saved", errno);
     if (::fsync(file.get()) != 0) failWith("cannot be saved", errno);
   }
 
-  void moveIntoPlace() {
-    if (::rename(name.c_str(), target.c_str()) != 0) failWith("cannot be replaced", errno);
+  /// As who may read and change it, and whose it is.
+  void becomeLike(const struct stat& replaced) {
+    struct stat own {};
+    if (::fstat(file.get(), &own) != 0) failWith("cannot be saved", errno);
+    const bool isOthers = own.st_uid != replaced.st_uid || own.st_gid != replaced.st_gid;
+    if (isOthers && ::fchown(file.get(), replaced.st_uid, replaced.st_gid) != 0)
+      failWith("cannot be saved and stay its owner's", errno);
+    if (::fchmod(file.get(), replaced.st_mode & 07777) != 0) failWith("cannot be saved", errno);
+  }
+
+  void moveTo(const std::filesystem::path& target) {
+    if (::rename(folder.replacementPath().c_str(), target.c_str()) != 0) failWith("cannot be replaced", errno);
     moved = true;
-    // So far only the contents are sure to be on disk; the folder has to be, too, for the new name to outlast a crash.
-    // Some file systems cannot do that for folders, and then nothing better can be done.
-    const auto folder = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
-    if (const Descriptor directory(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)); directory) {
-      ::fsync(directory.get());
-    }
+    folder.sync();
   }
 
 private:
-  std::filesystem::path target;
-  std::string name;
+  const LockedFolder& folder;
   Descriptor file;
   bool moved = false;
+
+  static int created(const std::filesystem::path& path) {
+    ::unlink(path.c_str());
+    return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  }
 };
 
 /// Where a chain of symbolic links ends, whether or not a file is there.
@@ -95,8 +133,8 @@ std::filesystem::path followed(std::filesystem::path path) {
   return path;
 }
 
-/// The permissions of the file to replace, nothing when it is missing. Only a regular, writable file may be replaced.
-std::optional<mode_t> permissionsOf(const std::filesystem::path& path) {
+/// The file to replace, nothing when it is missing. Only a regular, writable file may be replaced.
+std::optional<struct stat> replaceable(const std::filesystem::path& path) {
   struct stat status {};
   if (::lstat(path.c_str(), &status) != 0) {
     if (errno == ENOENT) return std::nullopt;
@@ -105,17 +143,17 @@ std::optional<mode_t> permissionsOf(const std::filesystem::path& path) {
   if (!S_ISREG(status.st_mode)) throw FileFault{"cannot be saved: it is not a regular file"};
   // The file is replaced by renaming, which would get past the write protection that somebody gave it.
   if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) failWith("cannot be saved", errno);
-  return status.st_mode & 07777;
+  return status;
 }
 
 /// Moves the file to the first free NAME.broken. An empty file takes that name first, since a rename would silently
-/// replace whatever appears there in between.
-void keepAside(const std::filesystem::path& path) {
+/// replace whatever appears there in between. Answers the name.
+std::string keepAside(const std::filesystem::path& path) {
   for (int count = 1;; ++count) {
     const auto aside = path.string() + ".broken" + (count > 1 ? "-" + std::to_string(count) : "");
     const Descriptor taken(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!taken && errno == EEXIST) continue;
-    if (taken && ::rename(path.c_str(), aside.c_str()) == 0) return;
+    if (taken && ::rename(path.c_str(), aside.c_str()) == 0) return aside;
     const int error = errno;
     if (taken) ::unlink(aside.c_str());
     failWith("cannot be kept as " + aside, error);
@@ -155,7 +193,6 @@ PropertyListFile::PropertyListFile(std::optional<std::filesystem::path> file) : 
   try {
     if (auto read = readDictionary(*path)) contents = *std::move(read);
   } catch (const FileFault& fault) {
-    keepsBroken = true;
     report(*path, fault.what + "; starting empty, the file stays as it is until something is saved");
   }
 }
@@ -168,27 +205,40 @@ const PropertyList* PropertyListFile::value(const std::u16string& key) const {
 
 void PropertyListFile::set(const std::u16string& key, PropertyList value) {
   contents.as<PropertyList::Dictionary>()->insert_or_assign(key, std::move(value));
-  save();
-}
-
-void PropertyListFile::save() {
   if (!path) return;
+  unsaved.insert(key);
   try {
-    const auto target = followed(*path);
-    const auto permissions = permissionsOf(target);
-    const auto bytes = canBeXml(contents) ? writeXml(contents) : writeBinary(contents);
-    Replacement replacement(target);
-    if (writesFail) {
-      replacement.write(std::string_view(bytes).substr(0, bytes.size() / 2), permissions);
-      failWith("cannot be saved", ENOSPC);
-    }
-    replacement.write(bytes, permissions);
-    if (keepsBroken && permissions) keepAside(target);
-    keepsBroken = false;
-    replacement.moveIntoPlace();
+    save();
+    unsaved.clear();
   } catch (const FileFault& fault) {
     report(*path, fault.what);
   }
+}
+
+bool PropertyListFile::readAgain(const std::filesystem::path& target) {
+  try {
+    auto read = readDictionary(target).value_or(PropertyList::Dictionary());
+    for (const auto& key : unsaved)
+      read.as<PropertyList::Dictionary>()->insert_or_assign(key, *value(key));
+    contents = std::move(read);
+    return true;
+  } catch (const FileFault&) {
+    return false;
+  }
+}
+
+void PropertyListFile::save() {
+  const auto target = followed(*path);
+  const LockedFolder folder(target);
+  const auto replaced = replaceable(target);
+  const bool understood = readAgain(target);
+  const auto bytes = canBeXml(contents) ? writeXml(contents) : writeBinary(contents);
+  Replacement replacement(folder);
+  if (replaced) replacement.becomeLike(*replaced);
+  replacement.write(std::string_view(bytes).substr(0, writesFail ? bytes.size() / 2 : bytes.size()));
+  if (writesFail) failWith("cannot be saved", ENOSPC);
+  if (!understood) report(target, "could not be understood, and is kept as " + keepAside(target));
+  replacement.moveTo(target);
 }
 
 } // namespace desktop

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace desktop {
@@ -24,6 +25,9 @@ std::optional<PropertyList> readDictionary(const std::filesystem::path& path);
 /// Opening never changes anything on disk. A missing file is an empty dictionary. A file that cannot be read is one
 /// too, with a sentence on standard error, and moves aside (to NAME.broken, NAME.broken-2, ...) when something is first
 /// saved.
+///
+/// Several processes may keep their defaults in one file: a save changes the keys that were set and leaves the others
+/// as they are by then.
 class PropertyListFile {
 public:
   /// Without a path the dictionary lives in memory only.
@@ -36,7 +40,13 @@ public:
 
   /// Saves at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
   /// next change. A crash at any moment leaves the old file or the new one whole; a broken one may already be aside.
+  /// What a crash leaves of the writing (.defaults-saving, in the same folder) the next save takes away.
+  ///
+  /// The file keeps its owner, group and mode, or is not saved. Waits while another process saves in the same folder.
   void set(const std::u16string& key, PropertyList value);
+
+  /// False when something that was set has not reached the file.
+  bool isSaved() const { return unsaved.empty(); }
 
   /// From now on writing fails half-way, as on a full disk, or works again.
   void failWrites(bool fail) { writesFail = fail; }
@@ -44,10 +54,13 @@ public:
 private:
   std::optional<std::filesystem::path> path;
   PropertyList contents = PropertyList::Dictionary();
-  bool keepsBroken = false; // what lies on disk was not understood and must not get lost
+  std::set<std::u16string> unsaved;
   bool writesFail = false;
 
+  /// Throws FileFault.
   void save();
+  /// Takes over what others saved meanwhile; false when the file is not understood and must not get lost.
+  bool readAgain(const std::filesystem::path& target);
 };
 
 } // namespace desktop

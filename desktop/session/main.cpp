@@ -14,6 +14,7 @@ namespace {
 
 using namespace desktop;
 
+constexpr int unsavedStatus = 1;
 constexpr int mistakeStatus = 2;
 
 struct Options {
@@ -83,7 +84,8 @@ void say(const std::string& line) {
   std::fputc('\n', stdout);
 }
 
-void play(const Options& options, Session::Source source, bool echo) {
+/// 0, or 1 when the defaults could not be saved.
+int play(const Options& options, Session::Source source, bool echo) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.mainBundle->open(options.bundle.value_or(bundleBesideCommand()));
@@ -95,11 +97,12 @@ void play(const Options& options, Session::Source source, bool echo) {
   if (!options.trace) desktop.journal.remark = [](const std::string& sentence) { say("    " + sentence); };
   if (echo) session.announce = [](const Command& command) { say(command.text); };
   session.run();
+  return desktop.defaults->file->isSaved() ? 0 : unsavedStatus;
 }
 
-/// 0, or a mistake's status when what was printed did not arrive.
-int finish() {
-  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return 0;
+/// How the session ended, or a mistake's status when what was printed did not arrive.
+int finish(int played) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return played;
   return fail("tarnwick: the output could not be written");
 }
 
@@ -115,11 +118,9 @@ int main(int count, char** words) {
   }
 
   if (options.session == "-" && isatty(STDIN_FILENO) != 0) {
-    play(options, prompted(), false);
-    return finish();
+    return finish(play(options, prompted(), false));
   }
   auto session = readSessionFile(options.session);
   if (const auto* mistake = std::get_if<Mistake>(&session)) return fail(mistake->text());
-  play(options, listed(std::get<std::vector<Command>>(std::move(session))), !options.trace);
-  return finish();
+  return finish(play(options, listed(std::get<std::vector<Command>>(std::move(session))), !options.trace));
 }

@@ -3,8 +3,13 @@
 #include "tests/support/TestDesktop.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
+#include <csignal>
+#include <random>
+#include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace desktop {
@@ -126,6 +131,103 @@ TEST_F(PropertyListFileTest, SymbolicLinksAndPermissionsStay) {
   fs::remove(path);
   fs::create_symlink("defaults.plist", path);
   EXPECT_EQ(lines(complaint([&] { PropertyListFile(path).set(u"key", 1); })), 2U) << "a link to itself";
+}
+
+TEST_F(PropertyListFileTest, OwnersStay) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can give files away";
+  PropertyListFile(path).set(u"key", 1);
+  const auto isAs = [&](uid_t owner, gid_t group, mode_t mode) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 && status.st_uid == owner && status.st_gid == group &&
+           (status.st_mode & 07777) == mode;
+  };
+  ASSERT_EQ(::chown(path.c_str(), 12, 34), 0);
+  fs::permissions(path, fs::perms(0666));
+  PropertyListFile(path).set(u"key", 2);
+  EXPECT_TRUE(isAs(12, 34, 0666));
+
+  const OrdinaryUser user(folder);
+  EXPECT_EQ(lines(complaint([&] {
+              PropertyListFile file(path);
+              file.set(u"key", 3);
+              EXPECT_FALSE(file.isSaved());
+            })),
+            1U);
+  EXPECT_TRUE(isAs(12, 34, 0666)) << "who may not give it back does not take it";
+  EXPECT_EQ(filesInFolder(), 1U);
+}
+
+/// Another process that saves rising numbers, and how far it has come: this far it is sure, one further it may be.
+class Saver {
+public:
+  Saver(const fs::path& path, const std::u16string& key, int last) {
+    EXPECT_NE(saved, MAP_FAILED);
+    process = ::fork();
+    if (process != 0) return;
+    PropertyListFile file(path);
+    for (int number = 1; number <= last && file.isSaved(); ++number) {
+      file.set(key, number);
+      static_cast<std::atomic<int>*>(saved)->store(number);
+    }
+    ::_exit(file.isSaved() ? 0 : 1);
+  }
+  Saver(const Saver&) = delete;
+  Saver& operator=(const Saver&) = delete;
+  ~Saver() { ::munmap(saved, sizeof(std::atomic<int>)); }
+
+  int progress() const { return static_cast<const std::atomic<int>*>(saved)->load(); }
+  void kill() const { ::kill(process, SIGKILL); }
+  /// True when it came to its end with everything saved.
+  bool ended() const {
+    int status = -1;
+    return ::waitpid(process, &status, 0) == process && status == 0;
+  }
+
+private:
+  void* saved = ::mmap(nullptr, sizeof(std::atomic<int>), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  pid_t process = -1;
+};
+
+TEST_F(PropertyListFileTest, KilledSaversLoseNothing) {
+  constexpr int kills = 20;
+  std::mt19937 random(15);
+  PropertyListFile(path).set(u"other", std::u16string(20000, u'x'));
+  for (int count = 0; count < kills; ++count) {
+    const Saver saver(path, u"number", 1 << 30);
+    for (int patience = 100000; saver.progress() == 0 && patience > 0; --patience)
+      ::usleep(100);
+    EXPECT_GT(saver.progress(), 0);
+    ::usleep(random() % 3000);
+    saver.kill();
+    EXPECT_FALSE(saver.ended());
+    if (count == 0) writeFile(folder / ".defaults-saving", "half"); // few kills leave it
+    EXPECT_EQ(complaint([&] {
+                PropertyListFile file(path);
+                ASSERT_NE(file.value(u"number"), nullptr);
+                const auto number = *file.value(u"number")->as<std::int64_t>();
+                EXPECT_GE(number, saver.progress());
+                EXPECT_LE(number, saver.progress() + 1);
+                file.set(u"next", count);
+                EXPECT_EQ(file.value(u"other")->as<std::u16string>()->size(), 20000U);
+              }),
+              "");
+    EXPECT_EQ(filesInFolder(), 1U) << "the next save takes away what a killed one left";
+  }
+}
+
+TEST_F(PropertyListFileTest, SaversAtOnceKeepEachOthersKeys) {
+  {
+    const Saver one(path, u"one", 100);
+    const Saver other(path, u"other", 100);
+    EXPECT_TRUE(one.ended());
+    EXPECT_TRUE(other.ended());
+  }
+  const PropertyListFile file(path);
+  for (const auto* key : {u"one", u"other"}) {
+    ASSERT_NE(file.value(key), nullptr);
+    EXPECT_EQ(*file.value(key), PropertyList(100));
+  }
+  EXPECT_EQ(filesInFolder(), 1U);
 }
 
 TEST_F(PropertyListFileTest, OnlyRegularFilesAreReplaced) {

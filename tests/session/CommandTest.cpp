@@ -163,12 +163,17 @@ TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
   fs::create_directories(folder.path / "Chosen.app" / "Contents");
   writeFile(folder.path / "Chosen.app/Contents/Info.plist",
             writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
-  run("--defaults broken.plist", "menu Settings…\nclick \"Choose App…\"\nchoose Chosen.app");
+  const std::string choosing = "menu Settings…\nclick \"Choose App…\"\nchoose Chosen.app";
+  EXPECT_EQ(run("--defaults broken.plist", choosing).status, 0);
   EXPECT_EQ(contentsOf(folder.path / "broken.plist.broken"), broken);
   const CommandRun next = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
   EXPECT_EQ(next.output, "status\timage\nkey\tEditor\tdown\t0x08\t0x40000\n"
                          "default\texemptBundleIDs\tcom.example.editor\nterminate\n");
   EXPECT_EQ(next.complaints, "");
+
+  const CommandRun unsaved = run("--defaults nowhere/new.plist", choosing);
+  EXPECT_EQ(unsaved.status, 1);
+  EXPECT_EQ(unsaved.complaints, "nowhere/new.plist: cannot be saved in its folder: No such file or directory\n");
 }
 
 TEST_F(CommandTest, MakesNoDefaultsFileWithoutNeed) {
