@@ -19,9 +19,11 @@ using CFMachPortRef = struct __CFMachPort*;
 using CFRunLoopRef = struct __CFRunLoop*;
 using CFRunLoopSourceRef = struct __CFRunLoopSource*;
 using CFRunLoopMode = CFStringRef;
+enum CFRunLoopRunResult : std::int32_t { kCFRunLoopRunTimedOut = 3 };
 
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFRunLoopMode kCFRunLoopCommonModes;
+extern const CFRunLoopMode kCFRunLoopDefaultMode;
 
 CFTypeRef CFRetain(CFTypeRef object);
 void CFRelease(CFTypeRef object);
@@ -34,6 +36,8 @@ CFRunLoopSourceRef CFMachPortCreateRunLoopSource(CFAllocatorRef allocator, CFMac
 CFRunLoopRef CFRunLoopGetCurrent(void);
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
 void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode);
+/// Does what becomes due in the next `seconds`, or only the first of it.
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, double seconds, Boolean onlyFirst);
 }
 #endif
 

@@ -15,6 +15,7 @@ using id = struct objc_object*;
 using Class = struct objc_class*;
 using SEL = struct objc_selector*;
 using Ivar = struct objc_ivar*;
+using Method = struct objc_method*;
 using Protocol = struct objc_object;
 using IMP = void (*)();
 
@@ -38,6 +39,10 @@ BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t a
 BOOL class_addProtocol(Class cls, Protocol* protocol);
 Ivar class_getInstanceVariable(Class cls, const char* name);
 std::ptrdiff_t ivar_getOffset(Ivar variable);
+/// Null when neither the class nor one that it derives from has such a method.
+Method class_getInstanceMethod(Class cls, SEL name);
+Method class_getClassMethod(Class cls, SEL name);
+const char* method_getTypeEncoding(Method method);
 SEL sel_registerName(const char* name);
 }
 

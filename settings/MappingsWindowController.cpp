@@ -10,7 +10,6 @@ using namespace platform;
 
 namespace {
 
-constexpr auto loginItemsAddress = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
 constexpr auto websiteAddress = "https://tarnwick.example/about";
 
 NSWindow makeWindow() {

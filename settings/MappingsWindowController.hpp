@@ -16,6 +16,7 @@ namespace tarnwick {
 class MappingsWindowController {
 public:
   static constexpr platform::NSSize defaultContentSize{540, 780};
+  static constexpr auto loginItemsAddress = "x-apple.systempreferences:com.apple.LoginItems-Settings.extension";
 
   /// A new run-time object with its window, built and not yet shown.
   static platform::NSWindowController make(std::shared_ptr<KeyRemapper> remapper);

@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
               launch + "window\tTarnwick Settings\t540\t695\n" + front + terminate},
         Fault{"NSWindow screen", "menu Settings…", launch + shown + terminate},
         Fault{"NSView layer", "menu Settings…", launch + shown + terminate},
-        Fault{"NSOpenPanel URL", "menu Settings…\nclick \"Choose App…\"\nchoose /\nshow defaults",
+        Fault{"NSSavePanel URL", "menu Settings…\nclick \"Choose App…\"\nchoose /\nshow defaults",
               launch + shown + "panel\tChoose Application to Exempt\nanswer\t/\ndefault\texemptBundleIDs\t-\n" +
                   terminate},
         Fault{"NSUserDefaults arrayForKey:", "down ctrl+c", launch + copied + terminate},

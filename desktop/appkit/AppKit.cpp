@@ -7,7 +7,6 @@
 namespace desktop {
 
 NSInteger AppKit::runModal(Object& shown, const JournalEntry& entry) {
-  constexpr NSInteger NSModalResponseAbort = -1001;
   ModalSession session{&shown, std::nullopt};
   modalSessions.push_back(&session);
   tell(entry);

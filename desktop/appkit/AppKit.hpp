@@ -12,6 +12,9 @@
 
 namespace desktop {
 
+/// How an alert or panel ends that the user does not answer.
+inline constexpr NSInteger NSModalResponseAbort = -1001;
+
 /// What blocks the program until the user answers it.
 struct ModalSession {
   /// An alert or an open panel, kept by whoever runs it.
@@ -41,7 +44,7 @@ struct AppKit : Part<AppKit> {
   Alert* frontAlert() const { return ifIs<Alert>(frontModal()); }
   OpenPanel* frontPanel() const { return ifIs<OpenPanel>(frontModal()); }
 
-  /// Shows an alert or panel, of which `entry` tells. Returns once it is answered, or with -1001 when the user has
+  /// Shows an alert or panel, of which `entry` tells. Returns once it is answered, or as aborted when the user has
   /// nothing more to do.
   NSInteger runModal(Object& shown, const JournalEntry& entry);
   /// Answers the front one; `told` is what the trace tells of it.

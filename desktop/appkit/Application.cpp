@@ -67,6 +67,15 @@ void Application::activateIgnoringOtherApps(BOOL ignoring) {
   if (ignoring || !applications.frontmost) bringToFront(*applications.tarnwick);
 }
 
+Window* Application::modalWindow() const {
+  return ifIs<Window>(AppKit::current().frontModal());
+}
+
+void Application::abortModal() {
+  const AppKit& appKit = AppKit::current();
+  if (appKit.frontModal() != nullptr) appKit.answerModal(NSModalResponseAbort, "");
+}
+
 void registerApplicationClasses() {
   NativeClass<Notification>("NSNotification", "NSObject");
   NativeClass<Application>("NSApplication", "NSObject")
@@ -75,7 +84,9 @@ void registerApplicationClasses() {
       .fallibleMethod<"setActivationPolicy:", &Application::setActivationPolicy>()
       .method<"run", &Application::run>()
       .method<"terminate:", &Application::terminate>()
-      .method<"activateIgnoringOtherApps:", &Application::activateIgnoringOtherApps>();
+      .method<"activateIgnoringOtherApps:", &Application::activateIgnoringOtherApps>()
+      .method<"modalWindow", &Application::modalWindow>()
+      .method<"abortModal", &Application::abortModal>();
 }
 
 } // namespace desktop

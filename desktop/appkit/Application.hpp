@@ -5,6 +5,8 @@
 
 namespace desktop {
 
+struct Window;
+
 /// What an application begins with: in the Dock.
 inline constexpr NSInteger NSApplicationActivationPolicyRegular = 0;
 
@@ -18,6 +20,9 @@ struct Application : Object {
   void run();
   void terminate(id sender);
   void activateIgnoringOtherApps(BOOL ignoring);
+  /// The panel in front; null for an alert, which is no window here.
+  Window* modalWindow() const;
+  void abortModal();
 };
 
 /// Sends the delegate a notification that it may have no method for.

@@ -96,6 +96,8 @@ void registerControlClasses() {
       .method<"setBezelStyle:", &Button::setBezelStyle>()
       .method<"setContentTintColor:", &Button::setContentTintColor>()
       .method<"setTitle:", &Button::setTitle>()
+      .method<"action", &Button::itsAction>()
+      .method<"performClick:", &Button::performClick>()
       .method<"setImage:", &Button::setImage>()
       .method<"setImagePosition:", &Button::setImagePosition>()
       .method<"setState:", &Button::setState>()

@@ -72,6 +72,8 @@ struct Button : Control {
   bool isOn() const { return itsState != platform::NSControlStateValueOff; }
   /// The user presses it: a checkbox changes its state, and then the action is sent.
   void press();
+  void performClick(id /*sender*/) { press(); }
+  SEL itsAction() const { return action; }
 };
 
 struct ImageView : Control {

@@ -17,33 +17,41 @@ Ref<ContentType> contentType(std::u16string_view identifier) {
 
 } // namespace
 
-NSInteger OpenPanel::runModal() {
+NSInteger SavePanel::runModal() {
   chosen = nullptr;
   return AppKit::current().runModal(*this, {"panel", textOf(title.get())});
 }
 
-void OpenPanel::choose(const std::string& path) {
+void SavePanel::choose(const std::string& path) {
   chosen = fileURL(path);
   AppKit::current().answerModal(platform::NSModalResponseOK, path);
 }
 
-void OpenPanel::cancel() {
+void SavePanel::cancel() {
   AppKit::current().answerModal(NSModalResponseCancel, "");
 }
 
 void registerOpenPanelClasses() {
   NativeClass<ContentType>("UTType", "NSObject");
-  NativeClass<OpenPanel>("NSOpenPanel", "NSWindow")
+  NativeClass<SavePanel>("NSSavePanel", "NSWindow")
+      .method<"setMessage:", &SavePanel::setMessage>()
+      .method<"setPrompt:", &SavePanel::setPrompt>()
+      .method<"setAllowedContentTypes:", &SavePanel::setAllowedContentTypes>()
+      .method<"setDirectoryURL:", &SavePanel::setDirectoryURL>()
+      .method<"message", &SavePanel::itsMessage>()
+      .method<"prompt", &SavePanel::itsPrompt>()
+      .method<"allowedContentTypes", &SavePanel::contentTypes>()
+      .method<"directoryURL", &SavePanel::directoryURL>()
+      .method<"runModal", &SavePanel::runModal>()
+      .fallibleMethod<"URL", &SavePanel::url>();
+  NativeClass<OpenPanel>("NSOpenPanel", "NSSavePanel")
       .classMethod<"openPanel", &OpenPanel::openPanel>()
-      .method<"setMessage:", &OpenPanel::setMessage>()
-      .method<"setPrompt:", &OpenPanel::setPrompt>()
       .method<"setCanChooseFiles:", &OpenPanel::setCanChooseFiles>()
       .method<"setCanChooseDirectories:", &OpenPanel::setCanChooseDirectories>()
       .method<"setAllowsMultipleSelection:", &OpenPanel::setAllowsMultipleSelection>()
-      .method<"setAllowedContentTypes:", &OpenPanel::setAllowedContentTypes>()
-      .method<"setDirectoryURL:", &OpenPanel::setDirectoryURL>()
-      .method<"runModal", &OpenPanel::runModal>()
-      .fallibleMethod<"URL", &OpenPanel::url>();
+      .method<"canChooseFiles", &OpenPanel::choosesFiles>()
+      .method<"canChooseDirectories", &OpenPanel::choosesDirectories>()
+      .method<"allowsMultipleSelection", &OpenPanel::choosesSeveral>();
 }
 
 } // namespace desktop

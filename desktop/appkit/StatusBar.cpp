@@ -35,6 +35,12 @@ Ref<MenuItem> MenuItem::separatorItem() {
   return item;
 }
 
+Ref<Array> Menu::itemArray() const {
+  auto array = create<Array>();
+  array->elements.assign(items.begin(), items.end());
+  return array;
+}
+
 MenuItem* Menu::itemWithTitle(const std::string& title) const {
   for (const auto& item : items) {
     if (!item->isSeparator && textOf(item->title.get()) == title) return item.get();
@@ -59,12 +65,16 @@ void registerStatusBarClasses() {
       .method<"setTarget:", &MenuItem::setTarget>()
       .method<"setAction:", &MenuItem::setAction>()
       .method<"setEnabled:", &MenuItem::setEnabled>()
-      .method<"setTitle:", &MenuItem::setTitle>();
-  NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>();
+      .method<"setTitle:", &MenuItem::setTitle>()
+      .method<"isSeparatorItem", &MenuItem::isSeparatorItem>()
+      .method<"target", &MenuItem::itsTarget>()
+      .method<"action", &MenuItem::itsAction>();
+  NativeClass<Menu>("NSMenu", "NSObject").method<"addItem:", &Menu::addItem>().method<"itemArray", &Menu::itemArray>();
   NativeClass<StatusBarButton>("NSStatusBarButton", "NSButton");
   NativeClass<StatusItem>("NSStatusItem", "NSObject")
       .fallibleMethod<"button", &StatusItem::button>()
-      .method<"setMenu:", &StatusItem::setMenu>();
+      .method<"setMenu:", &StatusItem::setMenu>()
+      .method<"menu", &StatusItem::itsMenu>();
   NativeClass<StatusBar>("NSStatusBar", "NSObject")
       .classMethod<"systemStatusBar", &systemStatusBar>()
       .fallibleMethod<"statusItemWithLength:", &StatusBar::statusItemWithLength>();

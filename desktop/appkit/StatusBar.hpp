@@ -20,12 +20,16 @@ struct MenuItem : Object {
   void setAction(SEL value) { action = value; }
   void setEnabled(BOOL value) { enabled = value; }
   void setTitle(String* value) { title = shared(value); }
+  BOOL isSeparatorItem() const { return isSeparator; }
+  id itsTarget() const { return target; }
+  SEL itsAction() const { return action; }
 };
 
 struct Menu : Object {
   std::vector<Ref<MenuItem>> items;
 
   void addItem(MenuItem* item) { items.push_back(shared(item)); }
+  Ref<Array> itemArray() const;
   MenuItem* itemWithTitle(const std::string& title) const;
 };
 
@@ -41,6 +45,7 @@ struct StatusItem : Object {
   StatusBarButton* button() const { return itsButton.get(); }
   /// With its menu the item is complete: now it shows itself.
   void setMenu(Menu* value);
+  Menu* itsMenu() const { return menu.get(); }
 };
 
 } // namespace desktop

@@ -57,6 +57,12 @@ void View::setCompressionResistance(float priority, NSInteger orientation) {
   compressionResistance[static_cast<int>(axisOf(orientation))] = priority;
 }
 
+Ref<Array> View::copyOfSubviews() const {
+  auto array = create<Array>();
+  array->elements.assign(subviews.begin(), subviews.end());
+  return array;
+}
+
 void View::setWantsLayer(BOOL value) {
   if (value && !itsLayer) itsLayer = create<Layer>();
 }
@@ -97,6 +103,11 @@ void ScrollView::setDocumentView(View* view) {
   if (document != nullptr) clip->addSubview(document);
 }
 
+void ScrollView::setScrollerStyle(NSInteger style) {
+  constexpr NSInteger overlay = 1;
+  if (style != overlay) stop("only scrollers over the content (style 1) are known here");
+}
+
 CGSize ScrollView::contentSize() const {
   return clip->frame.size;
 }
@@ -123,6 +134,8 @@ void registerViewClasses() {
       .method<"setTranslatesAutoresizingMaskIntoConstraints:", &View::setTranslatesMask>()
       .method<"setAutoresizingMask:", &View::setAutoresizingMask>()
       .method<"setFrame:", &View::setFrame>()
+      .method<"frame", &View::itsFrame>()
+      .method<"subviews", &View::copyOfSubviews>()
       .method<"fittingSize", &View::fittingSize>()
       .method<"layoutSubtreeIfNeeded", &View::layoutSubtreeIfNeeded>()
       .method<"addSubview:", &View::addSubview>()
@@ -154,6 +167,8 @@ void registerViewClasses() {
       .method<"setAutohidesScrollers:", &ScrollView::setAutohidesScrollers>()
       .method<"setDrawsBackground:", &ScrollView::setDrawsBackground>()
       .method<"setDocumentView:", &ScrollView::setDocumentView>()
+      .method<"documentView", &ScrollView::documentView>()
+      .method<"setScrollerStyle:", &ScrollView::setScrollerStyle>()
       .method<"contentSize", &ScrollView::contentSize>();
   NativeClass<Box>("NSBox", "NSView")
       .method<"setBoxType:", &Box::setBoxType>()

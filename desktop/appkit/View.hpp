@@ -52,6 +52,8 @@ struct View : Object {
   void setTranslatesMask(BOOL value) { translatesMask = value; }
   void setAutoresizingMask(NSUInteger value) { autoresizingMask = value; }
   void setFrame(CGRect value) { frame = value; }
+  CGRect itsFrame() const { return frame; }
+  Ref<Array> copyOfSubviews() const;
   CGSize fittingSize();
   void layoutSubtreeIfNeeded();
   void addSubview(View* view);
@@ -111,6 +113,8 @@ struct ScrollView : View {
   void setAutohidesScrollers(BOOL value) { autohidesScrollers = value; }
   void setDrawsBackground(BOOL value) { drawsBackground = value; }
   void setDocumentView(View* view);
+  View* documentView() const { return document; }
+  void setScrollerStyle(NSInteger style);
   CGSize contentSize() const;
 };
 

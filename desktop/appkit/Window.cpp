@@ -104,6 +104,8 @@ void registerWindowClasses() {
   NativeClass<Window>("NSWindow", "NSObject")
       .fallibleMethod<"initWithContentRect:styleMask:backing:defer:", &Window::initWithContentRect>()
       .method<"setTitle:", &Window::setTitle>()
+      .method<"title", &Window::itsTitle>()
+      .method<"close", &Window::close>()
       .method<"setReleasedWhenClosed:", &Window::setReleasedWhenClosed>()
       .method<"setMinSize:", &Window::setMinSize>()
       .method<"minSize", &Window::minSize>()

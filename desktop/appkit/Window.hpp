@@ -34,6 +34,7 @@ struct Window : Object {
   ~Window();
   Window* initWithContentRect(CGRect rect, NSUInteger style, NSUInteger backing, BOOL defer);
   void setTitle(String* value) { title = shared(value); }
+  String* itsTitle() const { return title.get(); }
   void setReleasedWhenClosed(BOOL value) { releasedWhenClosed = value; }
   void setMinSize(CGSize value) { itsMinSize = value; }
   CGSize minSize() const { return itsMinSize; }

@@ -151,6 +151,7 @@ void addLoadableClass(const std::string& name, void (*registerClass)()) {
 
 void registerBundleClasses() {
   NativeClass<URL>("NSURL", "NSObject")
+      .method<"path", &URL::itsPath>()
       .fallibleMethod<"URLByAppendingPathComponent:", &URL::URLByAppendingPathComponent>()
       .fallibleClassMethod<"URLWithString:", &URLWithString>()
       .classMethod<"fileURLWithPath:", &fileURLWithPath>();

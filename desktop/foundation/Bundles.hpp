@@ -15,6 +15,7 @@ struct URL : Object {
   std::string path;
 
   Ref<URL> URLByAppendingPathComponent(String* name) const;
+  Ref<String> itsPath() const { return string(path); }
 };
 
 Ref<URL> fileURL(const std::string& path);

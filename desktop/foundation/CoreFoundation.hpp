@@ -5,6 +5,7 @@
 #include "platform/CoreFoundation.hpp"
 
 #include <functional>
+#include <map>
 
 namespace desktop {
 
@@ -32,12 +33,20 @@ struct RunLoop : Part<RunLoop> {
   /// True once the user has nothing more to do: open alerts and panels end, then the program.
   bool inputEnded = false;
 
+  /// Does `work` in so many seconds, also while a block of the main queue is running.
+  void addTimer(double seconds, std::function<void()> work);
   /// Does what is due and then what the user does next, until `done`.
   void serve(const std::function<bool()>& done);
   /// Does everything that is due at the present moment.
-  void settle() const;
+  void settle();
   /// Moves the clock on, doing on the way what becomes due.
-  void wait(double seconds) const;
+  void wait(double seconds);
+
+private:
+  /// By the moment at which they are due.
+  std::multimap<std::int64_t, std::function<void()>> timers;
+
+  bool fireNextTimer();
 };
 
 } // namespace desktop

@@ -109,6 +109,7 @@ void registerStringClasses() {
       .method<"stringByAppendingString:", &String::stringByAppendingString>()
       .method<"stringByTrimmingCharactersInSet:", &String::stringByTrimmingCharactersInSet>()
       .method<"precomposedStringWithCanonicalMapping", &String::precomposedStringWithCanonicalMapping>();
+  NativeClass<MutableString>("NSMutableString", "NSString");
   NativeClass<CharacterSet>("NSCharacterSet", "NSObject")
       .classMethod<"whitespaceAndNewlineCharacterSet", &whitespaceAndNewlineCharacterSet>();
 }

@@ -20,6 +20,9 @@ struct String : Object {
   Ref<String> precomposedStringWithCanonicalMapping() const;
 };
 
+/// Nothing here changes one.
+struct MutableString : String {};
+
 /// An immutable string; the second form takes UTF-8.
 Ref<String> string(std::u16string_view text);
 Ref<String> string(std::string_view text);

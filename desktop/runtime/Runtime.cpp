@@ -290,6 +290,16 @@ BOOL class_addProtocol(Class cls, Protocol* protocol) {
   return cls->protocols.insert(*reinterpret_cast<std::string*>(protocol)).second;
 }
 
+Method class_getInstanceMethod(Class cls, SEL name) {
+  return reinterpret_cast<Method>(const_cast<desktop::Method*>(desktop::findMethod(cls, name)));
+}
+Method class_getClassMethod(Class cls, SEL name) {
+  return class_getInstanceMethod(cls->isa, name);
+}
+const char* method_getTypeEncoding(Method method) {
+  return reinterpret_cast<desktop::Method*>(method)->encoding.c_str();
+}
+
 Ivar class_getInstanceVariable(Class cls, const char* name) {
   const auto found = cls->variables.find(name);
   return found != cls->variables.end() ? reinterpret_cast<Ivar>(&found->second) : nullptr;
