@@ -7,6 +7,7 @@ intermediate code with everything that matters: receiver, selector, result, argu
 import json
 import re
 import subprocess
+import sys
 from collections import defaultdict
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass, field
@@ -16,7 +17,8 @@ from macos.sysroot import OLDEST_SYSTEM, dotted
 FOLDERS = ("app", "remap", "settings")
 HEADER_FOLDERS = ("platform", *FOLDERS)
 STAND_IN_FOLDER = "desktop"
-COMPILER = "clang++-19"
+ON_MAC = sys.platform == "darwin"
+COMPILER, DEMANGLER = ("clang++", "c++filt") if ON_MAC else ("clang++-19", "llvm-cxxfilt-19")
 # The language as the application's build has it (macos/CMakeLists.txt). Nothing is optimised away, so that each
 # instance of a template keeps its name.
 OPTIONS = ["-std=c++20", "-O0", "-g0", "-fno-exceptions", "-fno-rtti", "-fno-threadsafe-statics"]
@@ -71,12 +73,14 @@ def own_files(root, pattern, folders):
 
 
 def mac_options(root, headers, processor):
-    """For one of a Mac's processors, as macos/linux.cmake has it; besides, using what the oldest system lacks is an
+    """For one of a Mac's processors, elsewhere as macos/linux.cmake has it; using what the oldest system lacks is an
     error."""
+    target = ["-target", f"{processor}-apple-macos{dotted(OLDEST_SYSTEM)}", "-Werror=unguarded-availability"]
+    if ON_MAC:
+        return target
     resources = subprocess.run([COMPILER, "-print-resource-dir"], capture_output=True, text=True, check=True)
     folders = [f"{headers}/libcxx/include", f"{resources.stdout.strip()}/include", f"{headers}/include"]
-    return ["-target", f"{processor}-apple-macos{dotted(OLDEST_SYSTEM)}", "-Werror=unguarded-availability", "-nostdinc",
-            *(word for folder in folders for word in ("-isystem", folder)),
+    return [*target, "-nostdinc", *(word for folder in folders for word in ("-isystem", folder)),
             "-include", str(root / "macos" / "libcxx_config.h")]
 
 
@@ -177,7 +181,7 @@ class Code:
 def demangled(names):
     """The C++ names, with texts among their template arguments as texts."""
     names = sorted(names)
-    done = subprocess.run(["llvm-cxxfilt-19", "-n"], input="\n".join(names), capture_output=True, text=True, check=True)
+    done = subprocess.run([DEMANGLER, "-n"], input="\n".join(names), capture_output=True, text=True, check=True)
     return dict(zip(names, map(with_texts, done.stdout.splitlines())))
 
 

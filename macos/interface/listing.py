@@ -1,0 +1,38 @@
+"""Lists the messages that the program sends to the system's classes, with their types, for tests/portable: one line
+each, `kind class selector encoding`. The argument is the processor."""
+import os
+import re
+import sys
+import tempfile
+from pathlib import Path
+
+from macos import sysroot
+from macos.interface import messages, program
+
+ROOT = Path(__file__).resolve().parents[2]
+UPDATER = "SPUStandardUpdaterController"  # comes with its framework, not with the system
+
+
+def listing(processor):
+    """The lines, sorted."""
+    headers = None
+    if not program.ON_MAC:
+        headers = sysroot.fetch(Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "tarnwick")
+    with tempfile.TemporaryDirectory() as work:
+        asked, _, _ = program.ask(ROOT, Path(work), headers, processor)
+    superclasses = {method.owner: method.superclass for method in asked.methods}
+    overridden = re.compile("init|dealloc$")
+    own = {method.selector for method in asked.methods if not overridden.match(method.selector)}
+    for message in asked.messages:
+        receiver = superclasses.get(message.receiver, message.receiver) or "NSObject"
+        if receiver == UPDATER or message.selector in own:
+            continue
+        codes = [messages.cpp_code(kind).replace("^", "^v") for kind in (message.result, *message.arguments)]
+        yield f"{message.kind} {receiver} {message.selector} {codes[0]}@:{''.join(codes[1:])}"
+
+
+if __name__ == "__main__":
+    try:
+        print("\n".join(sorted(set(listing(sys.argv[1])))))
+    except (program.ProgramError, sysroot.SysrootError) as error:
+        sys.exit(f"./dev test: {error}")
