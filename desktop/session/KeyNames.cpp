@@ -18,11 +18,13 @@ struct Modifier {
 };
 
 // clang-format off
-// In the order in which people are told them; of two names with one flag the first is told.
+// In the order in which people are told them; of names with one flag the first is told.
 constexpr Modifier modifiers[] = {
     {"Cmd", kCGEventFlagMaskCommand},
+    {"Command", kCGEventFlagMaskCommand},
     {"Win", kCGEventFlagMaskCommand},
     {"Ctrl", kCGEventFlagMaskControl},
+    {"Control", kCGEventFlagMaskControl},
     {"Option", kCGEventFlagMaskAlternate},
     {"Alt", kCGEventFlagMaskAlternate},
     {"Shift", kCGEventFlagMaskShift},
@@ -42,6 +44,7 @@ constexpr CGEventFlags function = kCGEventFlagMaskSecondaryFn;
 constexpr CGEventFlags arrow = kCGEventFlagMaskNumericPad | kCGEventFlagMaskSecondaryFn;
 
 // clang-format off
+// Of names with one code the first is told. The others are what keyboards and people call the same key.
 constexpr Key keys[] = {
     {"A", kVK_ANSI_A}, {"B", kVK_ANSI_B}, {"C", kVK_ANSI_C}, {"D", kVK_ANSI_D}, {"E", kVK_ANSI_E}, {"F", kVK_ANSI_F},
     {"G", kVK_ANSI_G}, {"H", kVK_ANSI_H}, {"I", kVK_ANSI_I}, {"J", kVK_ANSI_J}, {"K", kVK_ANSI_K}, {"L", kVK_ANSI_L},
@@ -62,6 +65,11 @@ constexpr Key keys[] = {
     {"F9", kVK_F9, function}, {"F10", kVK_F10, function}, {"F11", kVK_F11, function}, {"F12", kVK_F12, function},
     {"F13", kVK_F13, function}, {"F14", kVK_F14, function}, {"F15", kVK_F15, function}, {"F16", kVK_F16, function},
     {"F17", kVK_F17, function}, {"F18", kVK_F18, function}, {"F19", kVK_F19, function}, {"F20", kVK_F20, function},
+    {"Enter", kVK_Return}, {"Backspace", kVK_Delete}, {"Esc", kVK_Escape}, {"Del", kVK_ForwardDelete, function},
+    {"PgUp", kVK_PageUp, function}, {"PgDn", kVK_PageDown, function},
+    {"-", kVK_ANSI_Minus}, {"=", kVK_ANSI_Equal}, {"[", kVK_ANSI_LeftBracket}, {"]", kVK_ANSI_RightBracket},
+    {"\\", kVK_ANSI_Backslash}, {";", kVK_ANSI_Semicolon}, {"'", kVK_ANSI_Quote}, {",", kVK_ANSI_Comma},
+    {".", kVK_ANSI_Period}, {"/", kVK_ANSI_Slash}, {"`", kVK_ANSI_Grave},
 };
 // clang-format on
 
@@ -84,7 +92,44 @@ std::uint64_t modifierNamed(std::string_view name) {
   throw std::invalid_argument("unknown modifier " + inQuotes(name));
 }
 
+bool isLetterOrDigit(char sign) {
+  return (sign >= 'A' && sign <= 'Z') || (sign >= '0' && sign <= '9');
+}
+
+bool isFunctionKey(std::string_view name) {
+  return name.size() > 1 && name[0] == 'F' && name[1] >= '0' && name[1] <= '9';
+}
+
+/// The names of a table that are wanted, in lower case; those that mean the same stand side by side, the others are set
+/// off by commas.
+template <class Entry, std::size_t size, class Meaning>
+std::string listed(const Entry (&table)[size], Meaning Entry::*meaning, bool (*wanted)(std::string_view)) {
+  std::string list;
+  for (const Entry& first : table) {
+    if (!wanted(first.name) || std::ranges::find(table, first.*meaning, meaning) != &first) continue;
+    list += list.empty() ? "" : ",";
+    for (const Entry& same : table) {
+      if (same.*meaning != first.*meaning || !wanted(same.name)) continue;
+      list += list.empty() ? "" : " ";
+      std::ranges::transform(same.name, std::back_inserter(list), lowered);
+    }
+  }
+  return list;
+}
+
 } // namespace
+
+std::string modifierNames() {
+  return listed(modifiers, &Modifier::flag, [](std::string_view) { return true; });
+}
+
+std::string keyNames() {
+  std::string list = "letters, digits, the signs";
+  for (const Key& key : keys)
+    if (key.name.size() == 1 && !isLetterOrDigit(key.name[0])) list.append(" ").append(key.name);
+  return list + ", f1 to f20, " +
+         listed(keys, &Key::code, [](std::string_view name) { return name.size() > 1 && !isFunctionKey(name); });
+}
 
 KeyStroke keyNamed(std::string_view name) {
   std::uint64_t flags = 0;

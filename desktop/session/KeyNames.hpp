@@ -24,4 +24,8 @@ KeyStroke keyNamed(std::string_view name);
 /// the key carries by itself, or that are no modifier, are not shown.
 std::string describeKey(std::uint16_t code, std::uint64_t flags);
 
+/// All names of modifiers, and of keys, as a text for people: `cmd command win, ctrl control, ...`.
+std::string modifierNames();
+std::string keyNames();
+
 } // namespace desktop
