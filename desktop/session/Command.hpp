@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace desktop {
 
@@ -53,8 +54,9 @@ struct Extent {
 
 /// One checked line of a session. Fields that its verb does not use keep their defaults.
 struct Command {
-  int line = 0;     ///< from 1
-  std::string text; ///< the whole line as typed, without its line end
+  int line = 0;                      ///< from 1
+  std::string text;                  ///< the whole line as typed, without its line end
+  std::vector<std::string> headings; ///< in a whole session, the comments on the lines right before it
   Verb verb = Verb::Launch;
   Choice choice = Choice::None;                ///< trust, taps, raw, tap, show
   std::optional<std::string> name;             ///< app, end, front; absent in `front none`

@@ -2,6 +2,7 @@
 
 #include "desktop/foundation/Numbers.hpp"
 #include "desktop/runtime/Journal.hpp"
+#include "desktop/session/Patterns.hpp"
 #include "desktop/session/Words.hpp"
 
 #include <algorithm>
@@ -18,44 +19,6 @@
 namespace desktop {
 
 namespace {
-
-/// How a command is written. Arguments in lower case are choices, those in upper case kinds of values,
-/// those in brackets may be left out.
-struct Pattern {
-  Verb verb;
-  std::string_view name;
-  std::string_view arguments;
-};
-
-// Of two patterns of one command the first is meant when its word is given.
-constexpr Pattern patterns[] = {
-    {Verb::Trust, "trust", "yes|no"},
-    {Verb::Taps, "taps", "auto|allow|refuse"},
-    {Verb::Screen, "screen", "none"},
-    {Verb::Screen, "screen", "W H"},
-    {Verb::App, "app", "NAME [BUNDLE-ID]"},
-    {Verb::End, "end", "NAME"},
-    {Verb::Front, "front", "none"},
-    {Verb::Front, "front", "NAME"},
-    {Verb::Focus, "focus", "none"},
-    {Verb::Focus, "focus", "ROLE"},
-    {Verb::Launch, "launch", ""},
-    {Verb::Raw, "raw", "down|up CODE FLAGS"},
-    {Verb::Down, "down", "KEYS"},
-    {Verb::Up, "up", "KEYS"},
-    {Verb::Press, "press", "KEYS [TIMES]"},
-    {Verb::Tap, "tap", "timeout|input"},
-    {Verb::Menu, "menu", "TITLE"},
-    {Verb::Click, "click", "TITLE [ROW]"},
-    {Verb::Choose, "choose", "PATH"},
-    {Verb::Cancel, "cancel", ""},
-    {Verb::Close, "close", ""},
-    {Verb::Resize, "resize", "W H"},
-    {Verb::Wait, "wait", "SECONDS"},
-    {Verb::Show, "show", "menu|window|alert|defaults"},
-    {Verb::Draw, "draw", "FILE.svg"},
-    {Verb::Quit, "quit", ""},
-};
 
 // In the order of Choice.
 constexpr std::string_view choices[] = {"none", "yes",     "no",    "auto", "allow",  "refuse", "down",
@@ -141,7 +104,7 @@ void readArgument(Command& command, std::string_view kind, std::string_view argu
 const Pattern& patternFor(const std::vector<std::string>& line) {
   const Pattern* fitting = nullptr;
   for (const Pattern& pattern : patterns) {
-    if (pattern.name != line.front()) continue;
+    if (!pattern.verb || pattern.name != line.front()) continue;
     fitting = &pattern;
     if (line.size() > 1 && line[1] == pattern.arguments) break;
   }
@@ -149,14 +112,10 @@ const Pattern& patternFor(const std::vector<std::string>& line) {
   return *fitting;
 }
 
-std::string usage(const Pattern& pattern) {
-  return ": " + std::string(pattern.name) + (pattern.arguments.empty() ? "" : " ") + std::string(pattern.arguments);
-}
-
 Command parse(const std::vector<std::string>& line) {
   const Pattern& pattern = patternFor(line);
   Command command;
-  command.verb = pattern.verb;
+  command.verb = *pattern.verb;
   auto argument = line.begin() + 1;
   for (std::string_view rest = pattern.arguments; !rest.empty();) {
     std::string_view kind = takeUntil(rest, ' ');
@@ -165,10 +124,17 @@ Command parse(const std::vector<std::string>& line) {
     if (argument != line.end())
       readArgument(command, kind, *argument++);
     else if (!optional)
-      throw std::invalid_argument("missing " + std::string(kind) + usage(pattern));
+      throw std::invalid_argument("missing " + std::string(kind) + ": " + pattern.usage());
   }
-  if (argument != line.end()) throw std::invalid_argument("extra argument " + inQuotes(*argument) + usage(pattern));
+  if (argument != line.end())
+    throw std::invalid_argument("extra argument " + inQuotes(*argument) + ": " + pattern.usage());
   return command;
+}
+
+/// Of a line that holds nothing else: its text, without the sign that starts it.
+std::string_view commentOf(std::string_view line) {
+  line.remove_prefix(std::min(line.find_first_not_of(" \t#"), line.size()));
+  return line.substr(0, line.find_last_not_of(" \t\r") + 1);
 }
 
 bool readAll(std::FILE* stream, std::string& text) {
@@ -215,10 +181,17 @@ std::variant<std::vector<Command>, Mistake> readSession(const std::string& file,
   SessionGrammar grammar(file);
   std::vector<Command> commands;
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3); // the mark that Windows editors begin UTF-8 with
+  std::vector<std::string> headings;
   while (!text.empty()) {
-    auto line = grammar.read(takeUntil(text, '\n'));
-    if (auto* mistake = std::get_if<Mistake>(&line)) return std::move(*mistake);
-    if (auto* command = std::get_if<Command>(&line)) commands.push_back(std::move(*command));
+    const std::string_view line = takeUntil(text, '\n');
+    auto read = grammar.read(line);
+    if (auto* mistake = std::get_if<Mistake>(&read)) return std::move(*mistake);
+    if (auto* command = std::get_if<Command>(&read)) {
+      command->headings = std::exchange(headings, {});
+      commands.push_back(std::move(*command));
+    } else if (const auto comment = commentOf(line); !comment.empty()) {
+      headings.emplace_back(comment);
+    }
   }
   return commands;
 }

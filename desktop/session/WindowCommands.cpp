@@ -1,16 +1,9 @@
 #include "desktop/session/WindowCommands.hpp"
 
+#include <algorithm>
+
 namespace desktop {
 namespace {
-
-Button* findButton(View& inside, const std::string& title, std::uint64_t row) {
-  Button* found = nullptr;
-  forEachView(inside, [&](View& view) {
-    auto* const button = ifIs<Button>(&view);
-    if (button != nullptr && textOf(button->title.get()) == title && row-- == 1) found = button;
-  });
-  return found;
-}
 
 /// Empty for a view that only holds others.
 JournalEntry entryOf(View& view) {
@@ -25,11 +18,35 @@ JournalEntry entryOf(View& view) {
   return box != nullptr && box->type == platform::NSBoxSeparator ? JournalEntry{"separator"} : JournalEntry{};
 }
 
+void forEachButton(const AppKit& appKit, const std::function<void(Button&)>& visit) {
+  const Window* const window = appKit.frontWindow();
+  if (window == nullptr) return;
+  forEachView(*window->contentView(), [&](View& view) {
+    if (auto* const button = ifIs<Button>(&view)) visit(*button);
+  });
+}
+
 } // namespace
 
+Button* buttonInWindow(const AppKit& appKit, const std::string& title, std::uint64_t row) {
+  Button* found = nullptr;
+  forEachButton(appKit, [&](Button& button) {
+    if (textOf(button.title.get()) == title && row-- == 1) found = &button;
+  });
+  return found;
+}
+
+std::vector<std::string> buttonsInWindow(const AppKit& appKit) {
+  std::vector<std::string> titles;
+  forEachButton(appKit, [&](const Button& button) {
+    const std::string title = textOf(button.title.get());
+    if (std::ranges::find(titles, title) == titles.end()) titles.push_back(title);
+  });
+  return titles;
+}
+
 bool clickInWindow(Desktop& desktop, const std::string& title, std::uint64_t row) {
-  const Window* window = desktop.appKit.frontWindow();
-  Button* const button = window != nullptr ? findButton(*window->contentView(), title, row) : nullptr;
+  Button* const button = buttonInWindow(desktop.appKit, title, row);
   if (button == nullptr) return false;
   desktop.applications.frontmost = desktop.applications.tarnwick;
   button->press();

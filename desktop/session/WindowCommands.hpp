@@ -12,6 +12,10 @@ bool clickInWindow(Desktop& desktop, const std::string& title, std::uint64_t row
 bool closeWindow(const AppKit& appKit);
 /// Drags the window to that content size, as far as it lets itself be dragged.
 bool resizeWindow(const AppKit& appKit, CGSize size);
+/// That button or checkbox, or null.
+Button* buttonInWindow(const AppKit& appKit, const std::string& title, std::uint64_t row);
+/// The titles of all of them, each once.
+std::vector<std::string> buttonsInWindow(const AppKit& appKit);
 /// Tells of everything in the window that can be read or pressed, from top to bottom.
 bool showWindow(const Desktop& desktop);
 

@@ -63,6 +63,17 @@ std::vector<std::string> splitWords(std::string_view line) {
   }
 }
 
+std::string asWord(std::string_view word) {
+  const std::string safe = escaped(word);
+  if (!word.empty() && safe == word && word.find_first_of(" ") == std::string_view::npos && word.front() != '#' &&
+      word.front() != '"')
+    return safe;
+  std::string quoted = "\"";
+  for (const char sign : safe)
+    quoted.append(sign == '"' ? "\\" : "") += sign;
+  return quoted + '"';
+}
+
 std::string inQuotes(std::string_view word) {
   constexpr std::size_t longest = 60;
   if (word.size() <= longest) return '"' + escaped(word) + '"';

@@ -13,6 +13,9 @@ namespace desktop {
 /// Throws std::invalid_argument with a sentence for people: unterminated quote, bad escape, text after a closing quote.
 std::vector<std::string> splitWords(std::string_view line);
 
+/// The word as it is written in a session: in quotes and with escapes where it needs them.
+std::string asWord(std::string_view word);
+
 /// The word as a message quotes it: on one line, and shortened when it is very long.
 std::string inQuotes(std::string_view word);
 

@@ -1,11 +1,14 @@
 /// The command `tarnwick`: the program in the stand-in desktop, driven by a session.
 
+#include "desktop/session/Help.hpp"
+#include "desktop/session/Lines.hpp"
 #include "desktop/session/Output.hpp"
+#include "desktop/session/Prompt.hpp"
 #include "desktop/session/Session.hpp"
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <iostream>
+#include <map>
 #include <unistd.h>
 
 int tarnwickMain();
@@ -17,34 +20,36 @@ using namespace desktop;
 constexpr int unsavedStatus = 1;
 constexpr int mistakeStatus = 2;
 
-struct Options {
-  bool trace = false;
-  std::optional<std::string> defaults;
-  std::optional<std::string> bundle;
+/// The words after the command: options by their names, each with its argument, and the session.
+struct Words {
+  std::map<std::string_view, std::string> given;
   std::string session = "-";
+
+  bool has(const Option& option) const { return given.contains(option.name); }
 };
 
-/// The options, or a sentence about what is wrong with them.
-std::variant<Options, std::string> readOptions(int count, char** words) {
-  Options options;
+/// The words, or a sentence about what is wrong with them.
+std::variant<Words, std::string> readWords(int count, char** arguments) {
+  Words words;
   bool hasSession = false;
   for (int index = 1; index < count; ++index) {
-    const std::string word = words[index];
-    if (word == "--trace") {
-      options.trace = true;
-    } else if (word == "--defaults" || word == "--bundle") {
-      if (++index == count || *words[index] == '\0') return "the option " + word + " wants a name after it";
-      (word == "--defaults" ? options.defaults : options.bundle) = words[index];
+    const std::string word = arguments[index];
+    const auto* option = std::ranges::find(options, word, &Option::name);
+    if (option != std::end(options)) {
+      std::string& argument = words.given[option->name];
+      if (option->argument.empty()) continue;
+      if (++index == count || *arguments[index] == '\0') return "the option " + word + " wants a name after it";
+      argument = arguments[index];
     } else if (word.size() > 1 && word.front() == '-') {
-      return "unknown option " + word;
+      return "unknown option " + word + "; --help lists all there are";
     } else if (hasSession) {
       return "more than one session: " + word;
     } else {
-      options.session = word;
+      words.session = word;
       hasSession = true;
     }
   }
-  return options;
+  return words;
 }
 
 int fail(const std::string& sentence) {
@@ -65,39 +70,64 @@ Session::Source listed(std::vector<Command> commands) {
   };
 }
 
-/// Commands as a person types them: a mistake is told, and the prompt comes again.
-Session::Source prompted() {
-  return [grammar = SessionGrammar("-")]() mutable -> std::optional<Command> {
-    for (std::string line; std::fputs("> ", stdout), std::fflush(stdout), std::getline(std::cin, line);) {
-      auto read = grammar.read(line);
-      if (auto* command = std::get_if<Command>(&read)) return std::move(*command);
-      if (const auto* mistake = std::get_if<Mistake>(&read)) std::fprintf(stderr, "%s\n", mistake->text().c_str());
-    }
-    std::fputs("\n", stdout);
-    return std::nullopt;
-  };
-}
-
 /// Whole, also where it holds a NUL.
 void say(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);
 }
 
-/// 0, or 1 when the defaults could not be saved.
-int play(const Options& options, Session::Source source, bool echo) {
+void sayIndented(const std::string& sentence) {
+  say("    " + sentence);
+}
+
+/// A desktop as the options want it, of which standard output tells.
+struct Stage {
   const platform::AutoreleasePool pool;
   Desktop desktop;
-  desktop.mainBundle->open(options.bundle.value_or(bundleBesideCommand()));
-  if (options.defaults) desktop.defaults->file = std::make_unique<PropertyListFile>(*options.defaults);
-  Session session(desktop, tarnwickMain, std::move(source));
-  desktop.journal.reader = [&](const JournalEntry& entry) {
-    say(options.trace ? traceLine(entry) : sentenceFor(entry));
-  };
-  if (!options.trace) desktop.journal.remark = [](const std::string& sentence) { say("    " + sentence); };
-  if (echo) session.announce = [](const Command& command) { say(command.text); };
+
+  explicit Stage(const Words& words) {
+    const auto& given = words.given;
+    desktop.mainBundle->open(words.has(bundleOption) ? given.at(bundleOption.name) : bundleBesideCommand());
+    if (words.has(defaultsOption))
+      desktop.defaults->file = std::make_unique<PropertyListFile>(given.at(defaultsOption.name));
+    desktop.journal.reader = [traces = words.has(traceOption)](const JournalEntry& entry) {
+      say(traces ? traceLine(entry) : sentenceFor(entry));
+    };
+    if (!words.has(traceOption)) desktop.journal.remark = sayIndented;
+  }
+
+  /// 1 when the defaults could not be saved, else 0.
+  int status() const { return desktop.defaults->file->isSaved() ? 0 : unsavedStatus; }
+};
+
+/// What a reader is told before a command of a session is carried out.
+void announce(const Command& command) {
+  if (!command.headings.empty()) say("");
+  for (const std::string& heading : command.headings)
+    say("# " + heading);
+  say(command.text);
+}
+
+/// Both answer how it went, as an exit status.
+int play(const Words& words, std::vector<Command> commands) {
+  Stage stage(words);
+  Session session(stage.desktop, tarnwickMain, listed(std::move(commands)));
+  if (!words.has(traceOption)) session.announce = announce;
   session.run();
-  return desktop.defaults->file->isSaved() ? 0 : unsavedStatus;
+  return stage.status();
+}
+
+int playAtPrompt(const Words& words) {
+  Stage stage(words);
+  Lines lines;
+  Prompt prompt(stage.desktop, [&] { return lines.next(); });
+  if (!words.has(traceOption)) {
+    say(versionText() + ": Tarnwick in a stand-in for a Mac's desktop, an Editor in front, the Finder behind it.\n"
+                        "Type press ctrl+c to see what Tarnwick makes of it, help for all commands, exit to leave.");
+    prompt.answer(sayIndented);
+  }
+  Session(stage.desktop, tarnwickMain, [&] { return prompt.next(); }).run();
+  return stage.status();
 }
 
 /// How the session ended, or a mistake's status when what was printed did not arrive.
@@ -108,19 +138,23 @@ int finish(int played) {
 
 } // namespace
 
-int main(int count, char** words) {
-  const auto read = readOptions(count, words);
+int main(int count, char** arguments) {
+  const auto read = readWords(count, arguments);
   if (const auto* mistake = std::get_if<std::string>(&read)) return fail("tarnwick: " + *mistake);
-  const auto& options = std::get<Options>(read);
+  const auto& words = std::get<Words>(read);
+  if (words.has(helpOption) || words.has(versionOption)) {
+    std::fputs((words.has(helpOption) ? commandHelp() : versionText() + '\n').c_str(), stdout);
+    return finish(0);
+  }
   std::error_code unknown;
-  if (options.bundle && !std::filesystem::is_directory(*options.bundle, unknown)) {
-    return fail(*options.bundle + ": is not a folder");
+  if (words.has(bundleOption) && !std::filesystem::is_directory(words.given.at(bundleOption.name), unknown)) {
+    return fail(words.given.at(bundleOption.name) + ": is not a folder");
   }
 
-  if (options.session == "-" && isatty(STDIN_FILENO) != 0) {
-    return finish(play(options, prompted(), false));
+  if (words.session == "-" && isatty(STDIN_FILENO) != 0) {
+    return finish(playAtPrompt(words));
   }
-  auto session = readSessionFile(options.session);
+  auto session = readSessionFile(words.session);
   if (const auto* mistake = std::get_if<Mistake>(&session)) return fail(mistake->text());
-  return finish(play(options, listed(std::get<std::vector<Command>>(std::move(session))), !options.trace));
+  return finish(play(words, std::get<std::vector<Command>>(std::move(session))));
 }

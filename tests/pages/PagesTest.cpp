@@ -1,3 +1,6 @@
+#include "desktop/session/Help.hpp"
+#include "desktop/session/KeyNames.hpp"
+#include "desktop/session/Patterns.hpp"
 #include "tests/support/TestDesktop.hpp"
 
 #include <regex>
@@ -38,6 +41,39 @@ TEST(Pages, LinkToWhatIsThere) {
     }
   }
   EXPECT_GT(links, 10U) << "links are not found any more";
+}
+
+/// What a page shows where these stand.
+std::string shown(std::string page, const std::vector<std::pair<std::string, std::string>>& escapes) {
+  for (const auto& [escape, sign] : escapes)
+    for (std::size_t at = 0; (at = page.find(escape, at)) != std::string::npos; at += sign.size())
+      page.replace(at, escape.size(), sign);
+  return page;
+}
+
+TEST(Pages, ListWhatTheCommandKnows) {
+  const std::string manual =
+      shown(contentsOf(project / "docs" / "tarnwick.1"), {{"\\-", "-"}, {"\\(aq", "'"}, {"\\(ga", "`"}, {"\\e", "\\"}});
+  const std::string sessions = shown(contentsOf(project / "docs" / "sessions.md"), {{"\\|", "|"}});
+  std::string section = ".SH OPTIONS\n";
+  const auto add = [&](const std::string& written, std::string_view purpose) {
+    section += ".TP\n.B " + written + '\n' + std::string(purpose) + '\n';
+    const std::string row = "\n| `" + written + "` | " + std::string(purpose);
+    EXPECT_NE(sessions.find(row), std::string::npos) << "docs/sessions.md lacks" << row;
+  };
+  const auto expectSection = [&] {
+    EXPECT_NE(manual.find(section + ".SH"), std::string::npos) << "docs/tarnwick.1 lacks, all of it:\n" << section;
+  };
+  for (const Option& option : options)
+    add(option.usage(), option.purpose);
+  expectSection();
+  section = "# starts a comment.\n";
+  for (const Pattern& pattern : patterns)
+    add(pattern.usage(), pattern.purpose);
+  expectSection();
+  for (const std::string& page : {manual, sessions})
+    for (const std::string& names : {modifierNames(), keyNames()})
+      EXPECT_NE(page.find(names), std::string::npos) << "a page lacks " << names;
 }
 
 } // namespace

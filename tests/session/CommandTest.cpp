@@ -1,6 +1,7 @@
 #include "tests/support/Command.hpp"
 
 #include <algorithm>
+#include <regex>
 
 namespace desktop {
 namespace {
@@ -52,10 +53,12 @@ protected:
 };
 
 TEST_F(CommandTest, TellsPeopleWhatHappened) {
-  const std::string session = "launch\npress ctrl+c\nfront none\ndown win+l # locks\nmenu Nothing\nshow defaults\n"
+  const std::string session = "# Keys,\n# and who gets them\n\nlaunch\npress ctrl+c\nfront none\ndown win+l # "
+                              "locks\nmenu Nothing\nshow defaults\n"
                               "front Finder\ndown cmd+delete\npress f2\ndown return\nquit\n";
   const CommandRun told = run("", session);
-  EXPECT_EQ(told.output, "launch\n"
+  EXPECT_EQ(told.output, "\n# Keys,\n# and who gets them\n"
+                         "launch\n"
                          "    the status bar shows Tarnwick's image\n"
                          "press ctrl+c\n"
                          "    Editor receives Cmd+C pressed\n"
@@ -103,12 +106,10 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
   } mistakes[] = {
       {"missing.txt", "missing.txt: cannot be read: No such file or directory\n"},
       {".", ".: cannot be read: Is a directory\n"},
-      {"--loud good.txt", "tarnwick: unknown option --loud\n"},
-      {"-t good.txt", "tarnwick: unknown option -t\n"},
+      {"--loud good.txt", "tarnwick: unknown option --loud; --help lists all there are\n"},
       {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
       {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
       {"--defaults '' good.txt", "tarnwick: the option --defaults wants a name after it\n"},
-      {"good.txt --bundle", "tarnwick: the option --bundle wants a name after it\n"},
       {"--bundle nowhere good.txt", "nowhere: is not a folder\n"},
       {"--bundle good.txt good.txt", "good.txt: is not a folder\n"},
   };
@@ -120,9 +121,61 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
   }
 }
 
+TEST_F(CommandTest, TellsOfItself) {
+  const std::string build = contentsOf(fs::path(TARNWICK_SOURCE_DIR) / "CMakeLists.txt");
+  std::smatch version;
+  ASSERT_TRUE(std::regex_search(build, version, std::regex("project\\(Tarnwick VERSION (\\S+)")));
+  EXPECT_EQ(run("--version missing.txt").output, "tarnwick " + version.str(1) + "\n");
+  const CommandRun help = run("--trace --help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_EQ(help.complaints, "");
+  for (const char* row : {"\n  --defaults FILE  ", "\n  press KEYS [TIMES]  ", "\n  modifiers  ", " backspace,"})
+    EXPECT_NE(help.output.find(row), std::string::npos) << row << "in\n" << help.output;
+}
+
+TEST_F(CommandTest, AnswersAtThePrompt) {
+  Terminal terminal(folder.path, {});
+  EXPECT_NE(terminal.shown().find("help"), std::string::npos) << "no greeting";
+  const std::pair<const char*, const char*> rows[] = {
+      {"press control+c", "Editor receives Cmd+C pressed\n"},
+      {"menu \"Disable Tarnwick\"", "    Tarnwick is disabled\n"},
+      {"\x1b[A\x1b[A", "Editor receives Ctrl+C pressed\n"},       // up twice: the line before the last one, anew
+      {"press b\x02shift+", "Editor receives Shift+B pressed\n"}, // in front of the b
+      {"menu Settings...", "nothing to act on\n    did you mean Settings…? the menu has: \"Enable Tarnwick\", Set"},
+      {"menu \"Check for Updates...\"", "    \"Check for Updates...\" is grey\n"},
+      {"front finder", "did you mean Finder? there run: Finder, Editor, Tarnwick\n"},
+      {"front Finder", "    Finder is in front\n"},
+      {"click Bold", "neither an alert nor a window is open\n"},
+      {"menu Settings…", "    window \"Tarnwick Settings\""},
+      {"click bold", "did you mean \"Bold (Ctrl+B)\"? the window has: "},
+      {"click \"Bold (Ctrl+B)\"", "    \"Bold (Ctrl+B)\" is off\n"},
+      {"click \"Swap @ and \\\"\"", "    \"Swap @ and \\\"\" is off\n"},
+      {"click \"Choose App…\"", "    panel "},
+      {"close", "    the open panel waits: choose PATH, or cancel\n"},
+      {"Quit", "\nunknown command \"Quit\"; did you mean quit? help lists all there are\n"},
+      {"resize 5", "\nmissing H: resize W H\n"},
+      {"help", "\n  press KEYS [TIMES]  "},
+      {"\x04", ""}, // Ctrl+D
+  };
+  for (const auto& [keys, answer] : rows) {
+    const std::string shown = terminal.type(keys + std::string(*keys == '\x04' ? "" : "\n"));
+    EXPECT_NE(shown.find(answer), std::string::npos) << keys << " shows\n" << shown;
+  }
+  EXPECT_EQ(terminal.status(), 0);
+}
+
+TEST_F(CommandTest, KeepsTheTraceFreeOfAnswers) {
+  Terminal terminal(folder.path, {"--trace"});
+  EXPECT_EQ(terminal.shown(), "> ");
+  EXPECT_EQ(terminal.type("menu \"Disable Tarnwick\"\n"), "menu \"Disable Tarnwick\"\nstatus\timage\n> ");
+  EXPECT_EQ(terminal.type("menu Nothing\n"), "menu Nothing\nlost\tmenu Nothing\n> ");
+  EXPECT_EQ(terminal.type("exit\n"), "exit\nterminate\n");
+  EXPECT_EQ(terminal.status(), 0);
+}
+
 TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
   const CommandRun bare = run("--trace --bundle .", "down ctrl+c");
-  EXPECT_EQ(bare.output, "status\tTarnwick\nkey\tEditor\tdown\t0x08\t0x100000\nterminate\n");
+  EXPECT_EQ(bare.output, "status\tTarnwick\n" + keyLine("key\tEditor\tdown", "cmd+c") + "terminate\n");
   EXPECT_EQ(bare.status, 0);
 
   fs::create_directory(folder.path / "Contents");
@@ -154,7 +207,8 @@ TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
   const std::string broken = "<plist><dict><key>exemptBundleIDs";
   writeFile(folder.path / "broken.plist", broken);
   const CommandRun first = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
-  EXPECT_EQ(first.output, "status\timage\nkey\tEditor\tdown\t0x08\t0x100000\ndefault\texemptBundleIDs\t-\nterminate\n");
+  EXPECT_EQ(first.output,
+            "status\timage\n" + keyLine("key\tEditor\tdown", "cmd+c") + "default\texemptBundleIDs\t-\nterminate\n");
   EXPECT_EQ(first.status, 0);
   EXPECT_NE(first.complaints.find("broken.plist"), std::string::npos) << first.complaints;
   EXPECT_EQ(contentsOf(folder.path / "broken.plist"), broken);
@@ -167,8 +221,8 @@ TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
   EXPECT_EQ(run("--defaults broken.plist", choosing).status, 0);
   EXPECT_EQ(contentsOf(folder.path / "broken.plist.broken"), broken);
   const CommandRun next = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
-  EXPECT_EQ(next.output, "status\timage\nkey\tEditor\tdown\t0x08\t0x40000\n"
-                         "default\texemptBundleIDs\tcom.example.editor\nterminate\n");
+  EXPECT_EQ(next.output, "status\timage\n" + keyLine("key\tEditor\tdown", "ctrl+c") +
+                             "default\texemptBundleIDs\tcom.example.editor\nterminate\n");
   EXPECT_EQ(next.complaints, "");
 
   const CommandRun unsaved = run("--defaults nowhere/new.plist", choosing);

@@ -1,0 +1,83 @@
+#include "desktop/session/Prompt.hpp"
+
+#include "desktop/session/Advice.hpp"
+#include "desktop/session/Help.hpp"
+#include "desktop/session/Patterns.hpp"
+#include "desktop/session/Words.hpp"
+
+#include <cstdio>
+
+namespace desktop {
+
+namespace {
+
+std::vector<std::string> commandNames() {
+  std::vector<std::string> names;
+  for (const Pattern& pattern : patterns)
+    if (names.empty() || names.back() != pattern.name) names.emplace_back(pattern.name);
+  return names;
+}
+
+/// The first word, however the line goes on.
+std::string_view firstWord(std::string_view line) {
+  constexpr std::string_view blanks = " \t";
+  line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
+  return line.substr(0, line.find_first_of(blanks));
+}
+
+} // namespace
+
+Prompt::Prompt(Desktop& target, NextLine lines) : desktop(target), nextLine(std::move(lines)) {}
+
+void Prompt::answer(Say tellPerson) {
+  say = std::move(tellPerson);
+  desktop.journal.reader = [this, reader = desktop.journal.reader](const JournalEntry& entry) {
+    reader(entry);
+    if (entry.front() == "lost" && unanswered) {
+      const std::string advice = adviceFor(desktop, *unanswered);
+      if (!advice.empty()) say(advice);
+    }
+    unanswered.reset();
+  };
+  desktop.journal.remark = [this, remark = desktop.journal.remark](const std::string& sentence) {
+    remark(sentence);
+    unanswered.reset();
+  };
+}
+
+void Prompt::answerLast() {
+  if (unanswered && say) say(outcomeOf(desktop, *unanswered));
+  unanswered.reset();
+}
+
+void Prompt::complain(const Mistake& mistake, std::string_view line) const {
+  std::string sentence = mistake.what;
+  if (sentence.starts_with("unknown")) {
+    const std::string meant =
+        sentence.starts_with("unknown command") ? nearMatches(firstWord(line), commandNames()) : "";
+    sentence += "; " + (meant.empty() ? "" : meant.substr(0, meant.size() - 1) + " ") + "help lists all there are";
+  }
+  std::fprintf(stderr, "%s\n", sentence.c_str());
+}
+
+std::optional<Command> Prompt::next() {
+  answerLast();
+  while (auto line = nextLine()) {
+    const std::string_view word = firstWord(*line);
+    if (word == "exit") return std::nullopt;
+    if (word == "help") {
+      std::fputs(promptHelp().c_str(), stdout);
+      continue;
+    }
+    auto read = grammar.read(*line);
+    if (auto* mistake = std::get_if<Mistake>(&read)) complain(*mistake, *line);
+    if (auto* command = std::get_if<Command>(&read)) {
+      unanswered = *command;
+      return std::move(*command);
+    }
+  }
+  std::fputs("\n", stdout);
+  return std::nullopt;
+}
+
+} // namespace desktop
