@@ -199,12 +199,13 @@ def check():
 
 
 def main(arguments):
-    """Status 0 when all is well, 1 with a sentence otherwise."""
+    """Status 0 when all is well, 2 for a wrong option, 1 otherwise; with a sentence."""
     try:
         if arguments == ["--check"]:
             check()
         elif arguments:
-            raise RenderError("usage: bundle/render.py [--check]")
+            print(f"render: knows only --check, not {arguments[0]}", file=sys.stderr)
+            return 2
         else:
             (HERE / "AppIcon.icns").write_bytes(render_icon())
             (HERE / "MenuBarTemplate.png").write_bytes(render_status())

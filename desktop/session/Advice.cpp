@@ -3,7 +3,7 @@
 #include "desktop/session/WindowCommands.hpp"
 #include "desktop/session/Words.hpp"
 
-#include <algorithm>
+#include <utility>
 
 namespace desktop {
 
@@ -107,7 +107,8 @@ std::string outcomeOfMenu(const std::string& title) {
 
 std::string nearMatches(std::string_view name, const Names& names) {
   Names near;
-  std::ranges::copy_if(names, std::back_inserter(near), [&](const std::string& other) { return isNear(name, other); });
+  for (const std::string& other : names)
+    if (isNear(name, other)) near.push_back(other);
   return near.empty() ? "" : "did you mean " + listed(near) + "? ";
 }
 

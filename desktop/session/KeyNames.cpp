@@ -111,7 +111,7 @@ std::string listed(const Entry (&table)[size], Meaning Entry::*meaning, bool (*w
     for (const Entry& same : table) {
       if (same.*meaning != first.*meaning || !wanted(same.name)) continue;
       list += list.empty() ? "" : " ";
-      std::ranges::transform(same.name, std::back_inserter(list), lowered);
+      std::transform(same.name.begin(), same.name.end(), std::back_inserter(list), lowered);
     }
   }
   return list;

@@ -1,5 +1,4 @@
-/// Lines that a person types at a terminal. There are two of these, of which the build takes one: with editing and
-/// history by libedit, and without any for the machines that this one only builds for.
+/// Lines that a person types at a terminal, with editing and history by libedit. The history goes with it.
 #pragma once
 
 #include <memory>

@@ -117,7 +117,8 @@ int play(const Words& words, std::vector<Command> commands) {
   return stage.status();
 }
 
-int playAtPrompt(const Words& words) {
+/// Not called where nobody can sit at it.
+[[maybe_unused]] int playAtPrompt(const Words& words) {
   Stage stage(words);
   Lines lines;
   Prompt prompt(stage.desktop, [&] { return lines.next(); });
@@ -151,8 +152,8 @@ int main(int count, char** arguments) {
     return fail(words.given.at(bundleOption.name) + ": is not a folder");
   }
 
-  if (words.session == "-" && isatty(STDIN_FILENO) != 0) {
-    return finish(playAtPrompt(words));
+  if constexpr (TARNWICK_HAS_PROMPT) {
+    if (words.session == "-" && isatty(STDIN_FILENO) != 0) return finish(playAtPrompt(words));
   }
   auto session = readSessionFile(words.session);
   if (const auto* mistake = std::get_if<Mistake>(&session)) return fail(mistake->text());
