@@ -52,6 +52,20 @@ std::variant<Words, std::string> readWords(int count, char** arguments) {
   return words;
 }
 
+/// A sentence about a file or folder that cannot be what an option calls it.
+std::optional<std::string> wrongFile(const Words& words) {
+  namespace fs = std::filesystem;
+  std::error_code unknown;
+  if (words.has(bundleOption) && !fs::is_directory(words.given.at(bundleOption.name), unknown))
+    return words.given.at(bundleOption.name) + ": is not a folder";
+  if (!words.has(defaultsOption)) return std::nullopt;
+  const fs::path defaults = words.given.at(defaultsOption.name);
+  if (fs::is_directory(defaults, unknown)) return defaults.string() + ": is a folder";
+  const fs::path folder = defaults.parent_path();
+  if (!folder.empty() && !fs::is_directory(folder, unknown)) return defaults.string() + ": there is no such folder";
+  return std::nullopt;
+}
+
 int fail(const std::string& sentence) {
   std::fprintf(stderr, "%s\n", sentence.c_str());
   return mistakeStatus;
@@ -147,10 +161,7 @@ int main(int count, char** arguments) {
     std::fputs((words.has(helpOption) ? commandHelp() : versionText() + '\n').c_str(), stdout);
     return finish(0);
   }
-  std::error_code unknown;
-  if (words.has(bundleOption) && !std::filesystem::is_directory(words.given.at(bundleOption.name), unknown)) {
-    return fail(words.given.at(bundleOption.name) + ": is not a folder");
-  }
+  if (const auto wrong = wrongFile(words)) return fail(*wrong);
 
   if constexpr (TARNWICK_HAS_PROMPT) {
     if (words.session == "-" && isatty(STDIN_FILENO) != 0) return finish(playAtPrompt(words));

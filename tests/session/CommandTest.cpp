@@ -110,6 +110,8 @@ TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
       {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
       {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
       {"--defaults '' good.txt", "tarnwick: the option --defaults wants a name after it\n"},
+      {"--defaults . good.txt", ".: is a folder\n"},
+      {"--defaults nowhere/new.plist good.txt", "nowhere/new.plist: there is no such folder\n"},
       {"--bundle nowhere good.txt", "nowhere: is not a folder\n"},
       {"--bundle good.txt good.txt", "good.txt: is not a folder\n"},
   };
