@@ -1,5 +1,6 @@
-"""Lists the messages that the program sends to the system's classes, with their types, for tests/portable: one line
-each, `kind class selector encoding`. The argument is the processor."""
+"""Lists what the program asks of the system, for tests/portable: the messages that it sends to the system's classes, a
+line each of `kind class selector encoding`, and the symbols of macos/imports.txt, `symbol library name -`. The argument
+is the processor."""
 import os
 import re
 import sys
@@ -29,6 +30,10 @@ def listing(processor):
             continue
         codes = [messages.cpp_code(kind).replace("^", "^v") for kind in (message.result, *message.arguments)]
         yield f"{message.kind} {receiver} {message.selector} {codes[0]}@:{''.join(codes[1:])}"
+    for library in sysroot.read_libraries():
+        for symbol in library.symbols:
+            if symbol.processor in ("", processor):
+                yield f"symbol {library.install_name} {symbol.name.removeprefix('_')} -"
 
 
 if __name__ == "__main__":
