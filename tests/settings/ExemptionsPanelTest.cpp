@@ -17,23 +17,6 @@ TEST(ExemptionsPanel, TakesNothingUnlessItIsConfirmed) {
   }
 }
 
-TEST(ExemptionsPanel, AsksForOneApplication) {
-  desktop::TestDesktop desktop;
-  desktop.play({"menu Settings…\nclick \"Choose App…\"", [&] {
-                  const desktop::OpenPanel* const panel = desktop.machine.appKit.frontPanel();
-                  ASSERT_NE(panel, nullptr);
-                  EXPECT_EQ(textOf(panel->title.get()), "Choose Application to Exempt");
-                  EXPECT_EQ(textOf(panel->message.get()), "Select an application bundle (.app)");
-                  EXPECT_EQ(textOf(panel->prompt.get()), "Add Exemption");
-                  EXPECT_EQ(panel->directory->path, "/Applications");
-                  EXPECT_TRUE(panel->canChooseFiles);
-                  EXPECT_FALSE(panel->canChooseDirectories || panel->allowsMultipleSelection);
-                  ASSERT_EQ(panel->allowedContentTypes->count(), 1U);
-                  const auto* type = desktop::as<desktop::ContentType>(panel->allowedContentTypes->objectAtIndex(0));
-                  EXPECT_EQ(textOf(type->identifier.get()), "com.apple.application-bundle");
-                }});
-}
-
 TEST(NextRun, HasAllSwitchesOnAgainAndTheExemptionsKept) {
   const desktop::TemporaryFolder folder;
   const auto run = [&](const std::string& session) {
