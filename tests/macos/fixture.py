@@ -28,19 +28,22 @@ def folder(add_cleanup):
     return Path(work.name)
 
 
+def all_libraries():
+    """The words that link every library of the table."""
+    return [f"-Wl,-framework,{library.name}" if library.is_framework else f"-l{library.name}"
+            for library in sysroot.read_libraries()]
+
+
 def link(folder, processor, source=SOURCE, options=(), libraries=None):
     """Compiles and links one slice against the stubs. What the tools say is in the exception when they fail."""
     stubs = folder / "stubs"
     if not stubs.exists():
         sysroot.write_stubs(stubs)
-    libraries = libraries or [f"-framework{library.name}" if library.is_framework else f"-l{library.name}"
-                              for library in sysroot.read_libraries()]
-    libraries = [word for name in libraries for word in name.replace("-framework", "-framework ").split()]
     (folder / "program.c").write_text(source)
     target = folder / f"program-{processor}"
     command = ["clang-19", "-target", f"{processor}-apple-macos{OLDEST}", "-Os", "-g0", "-funwind-tables",
-               *LINK_OPTIONS, *options,
-               f"-F{stubs}", f"-L{stubs}", *libraries, "program.c", "-o", target.name]
+               *LINK_OPTIONS, *options, f"-F{stubs}", f"-L{stubs}", *(libraries or all_libraries()),
+               "program.c", "-o", target.name]
     subprocess.run(command, check=True, capture_output=True, text=True, cwd=folder)
     return target.read_bytes()
 

@@ -52,8 +52,7 @@ class Check(unittest.TestCase):
             self.assert_problem(sentence, code)
 
     def test_linking(self):
-        names = [f"-framework{library.name}" if library.is_framework else f"-l{library.name}"
-                 for library in self.libraries]
+        names = fixture.all_libraries()
         (self.folder / "stubs" / "libextra.tbd").write_text(
             sysroot.stub_text(sysroot.Library("extra", "/usr/lib/libextra.dylib", "1", "1", [])))
         early = "volatile int early; __attribute__((constructor)) void first(void) { early = 1; }\n"

@@ -14,29 +14,21 @@ FOCUS = ["AXUIElementCreateSystemWide", "AXUIElementCopyAttributeValue", "CFGetT
 END = ["objc_autoreleasePoolPop"]
 
 # The Finder's two rules ask for themselves who is in front. Where nobody is, there is no identifier to ask for.
-CALLS = {
-    "letter": [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *IS_FINDER, *END],
-    "shortcut": [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *IS_FINDER, "CGEventSetFlags", *END],
-    "exempt application": [*READ, *OWN_OR_EXEMPT, "CFEqual", *END],
-    "Finder": [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *FOCUS, *IS_FINDER, *END],
-    "nobody in front": [*READ, MESSAGE, MESSAGE, MESSAGE, *END],
-    "disabled": [READ[0], *END],
-}
-# On x86-64 and on arm64.
-MOST_INSTRUCTIONS = {
-    "letter": (350, 310),
-    "shortcut": (370, 335),
-    "exempt application": (210, 190),
-    "Finder": (460, 435),
-    "nobody in front": (240, 195),
-    "disabled": (60, 55),
+# At most so many instructions on x86-64 and on arm64, and exactly these calls.
+COSTS = {
+    "letter": (350, 310, [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *IS_FINDER, *END]),
+    "shortcut": (370, 335, [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *IS_FINDER, "CGEventSetFlags", *END]),
+    "exempt application": (210, 190, [*READ, *OWN_OR_EXEMPT, "CFEqual", *END]),
+    "Finder": (460, 435, [*READ, *OWN_OR_EXEMPT, *IS_FINDER, *FOCUS, *IS_FINDER, *END]),
+    "nobody in front": (240, 195, [*READ, MESSAGE, MESSAGE, MESSAGE, *END]),
+    "disabled": (60, 55, [READ[0], *END]),
 }
 
 
 class KeyCost(unittest.TestCase):
     def test_costs(self):
-        for situation, calls in CALLS.items():
-            for processor, most in zip(("x86_64", "arm64"), MOST_INSTRUCTIONS[situation]):
+        for situation, (*limits, calls) in COSTS.items():
+            for processor, most in zip(("x86_64", "arm64"), limits):
                 with self.subTest(situation=situation, processor=processor):
                     cost = key_cost.cost(processor, situation)
                     self.assertEqual(cost.calls, calls)

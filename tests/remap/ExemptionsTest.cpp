@@ -131,19 +131,5 @@ TEST_F(ExemptionsTest, AreWrittenWholeAtEveryChangeAndNonChange) {
   EXPECT_EQ(both(), Texts());
 }
 
-TEST_F(ExemptionsTest, StayInMemoryWhenTheyCannotBeWritten) {
-  const desktop::TemporaryFolder folder;
-  desktop.machine.defaults->file = std::make_unique<desktop::PropertyListFile>(folder.path / "defaults.plist");
-  desktop.machine.defaults->file->failWrites(true);
-  testing::internal::CaptureStderr();
-  add(u"com.example.editor");
-  EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-  EXPECT_FALSE(std::filesystem::exists(folder.path / "defaults.plist"));
-  EXPECT_FALSE(rewrites()) << "exempt all the same";
-  desktop.machine.defaults->file->failWrites(false);
-  add(u"other");
-  EXPECT_NE(desktop::contentsOf(folder.path / "defaults.plist").find("com.example.editor"), std::string::npos);
-}
-
 } // namespace
 } // namespace tarnwick
