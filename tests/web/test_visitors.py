@@ -3,7 +3,6 @@ import base64
 import gzip
 import subprocess
 import tempfile
-import unittest
 from pathlib import Path
 
 from browser import COMMAND, ActionChains, BrowserTest, By, Keys, ScrollOrigin
