@@ -2,6 +2,7 @@
 
 #include "bench/Allocations.hpp"
 #include "desktop/Desktop.hpp"
+#include "desktop/session/KeyNames.hpp"
 #include "remap/KeyRemapper.hpp"
 
 #include <algorithm>
@@ -51,15 +52,11 @@ PropertyList exemptions(long count, bool withEditor) {
   return list;
 }
 
-struct Key {
-  std::uint16_t code;
-  CGEventFlags flags;
-};
-constexpr Key letter{kVK_ANSI_A, 0};
-constexpr Key shortcut{kVK_ANSI_C, kCGEventFlagMaskControl};
+const KeyStroke letter = keyNamed("a");
+const KeyStroke shortcut = keyNamed("ctrl+c");
 
 /// Key-downs of `typed` with `application` in front and so many exempt applications.
-void event(benchmark::State& state, Key typed, const char* application, bool exempt) {
+void event(benchmark::State& state, const KeyStroke& typed, const char* application, bool exempt) {
   const platform::AutoreleasePool pool;
   Desktop desktop;
   desktop.mainBundle->open(TARNWICK_BUNDLE);

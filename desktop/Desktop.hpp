@@ -21,7 +21,7 @@
 namespace desktop {
 
 class Desktop {
-  /// Before anything is made of them.
+  /// The first member: everything else is made of these classes.
   struct Classes {
     Classes() { registerAppKitClasses(); }
   } classes;

@@ -32,8 +32,8 @@ private:
   const CGEventRef event;
 };
 
-/// The switch of each key of a rule, found by key code. A key that stands in two rows, and a code that no key has, do
-/// not compile.
+/// The switch of each key of a rule, found by key code. A key that stands in two rows, and a code beyond all keys'
+/// codes, do not compile.
 template <class Owner> class KeyCodeTable {
 public:
   using Switch = bool Owner::*;

@@ -1,7 +1,7 @@
 /// The stand-in's AppKit: everything that the user sees of the program, and that they act on.
 ///
 /// Read what platform/'s headers of the same names are about: Application and Workspace, StatusBar, Alert, then View,
-/// Control and Window with what they need, and Updater, a framework of others that asks for nothing but AppKit. Layout,
+/// Control and Window with what they need, and Updater, the controller of an update framework. Layout,
 /// with Constraints and ConstraintSolver, gives the views their frames, for which FontMetrics measures their texts.
 #pragma once
 

@@ -27,9 +27,10 @@ Weights weightsOf(Edge edge) {
     return {1, 0.5};
   case Edge::End:
     return {1, 1};
-  default:
+  case Edge::Length:
     return {0, 1};
   }
+  __builtin_unreachable();
 }
 
 struct Known {
@@ -84,7 +85,8 @@ private:
     if (length.share > 0) require(length, {*wanted[box], 0});
   }
 
-  /// Both are to be the same: only a certain length of the container can bring that about, if any.
+  /// Both are to be the same: only a certain length of the container can bring that about, if any. A box that is half
+  /// as long as the container less 20, and wants 100, asks for 240.
   void require(Amount one, Amount other) {
     if (one.share == other.share) return;
     const double length = (other.fixed - one.fixed) / (one.share - other.share);

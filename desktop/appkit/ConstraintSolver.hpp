@@ -9,11 +9,12 @@
 
 namespace desktop {
 
+/// What a relation is about: an edge of a box, its centre, or how long it is.
 enum class Edge { Start, Centre, End, Length };
 
+/// A length: a fixed part and a share of the container's.
 struct Amount {
   double fixed = 0;
-  /// Of the container's length.
   double share = 0;
 
   double in(double container) const { return fixed + share * container; }

@@ -45,7 +45,7 @@ struct Button : Control {
 
   Ref<String> title;
   Ref<Image> image;
-  /// Beside the title stands no image until the platform is told where.
+  /// An image shows only once it has been given a position.
   NSUInteger imagePosition = 0;
   NSUInteger type = NSButtonTypeMomentaryPushIn;
   NSUInteger bezelStyle = NSBezelStyleRounded;

@@ -5,7 +5,7 @@
 
 namespace desktop {
 
-/// By the program's wish, of which the journal tells.
+/// Brings it to the front for the program, and tells the journal.
 void bringToFront(RunningApplication& application);
 
 } // namespace desktop

@@ -34,11 +34,11 @@ void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
   const bool isFrontmost = desktop.applications.frontmost.get() == desktop.applications.tarnwick.get();
   for (Window* window : appKit.windows) {
     window->layOut();
-    svg.isLive = modal == nullptr && window == appKit.frontWindow();
-    drawWindow(svg, *window, screen, isFrontmost && svg.isLive);
+    svg.isReachable = modal == nullptr && window == appKit.frontWindow();
+    drawWindow(svg, *window, screen, isFrontmost && svg.isReachable);
   }
   for (const ModalSession* session : appKit.modalSessions) {
-    svg.isLive = session->shown == modal;
+    svg.isReachable = session->shown == modal;
     if (const auto* alert = ifIs<Alert>(session->shown)) drawAlert(svg, *alert, screen);
     if (const auto* panel = ifIs<OpenPanel>(session->shown)) drawOpenPanel(svg, *panel, screen);
   }
@@ -52,7 +52,7 @@ std::string drawScreen(const Desktop& desktop, const MenuBarState& menuBar) {
   Svg svg(page);
   drawWallpaper(svg, page);
   if (!desktop.appKit.isTerminated) drawProgram(svg, desktop, {{0, menuBarHeight}, *desktop.appKit.screen});
-  svg.isLive = desktop.appKit.frontModal() == nullptr;
+  svg.isReachable = desktop.appKit.frontModal() == nullptr;
   drawMenuBar(svg, desktop, page.width, menuBar);
   return std::move(svg).finished();
 }

@@ -47,7 +47,7 @@ public:
 
   void draw(Svg& svg) const {
     const Group menu(svg, svg.mark("menu", u"Tarnwick"));
-    drawPanel(svg, frame, 6, "menu");
+    drawSurface(svg, frame, 6, "menu");
     CGRect row{{frame.origin.x + inset, frame.origin.y + padding}, {frame.size.width - 2 * inset, 0}};
     for (const auto& item : items) {
       row.size.height = heightOf(*item);

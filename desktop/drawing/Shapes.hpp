@@ -19,7 +19,7 @@ void drawPushButton(Svg& svg, CGRect frame, const String* title, bool isDefault)
 void drawView(Svg& svg, View& view, CGPoint origin);
 
 /// Background, shadow and edges of a window, alert or menu.
-void drawPanel(Svg& svg, CGRect frame, double radius, std::string_view classes);
+void drawSurface(Svg& svg, CGRect frame, double radius, std::string_view classes);
 // Windows, alerts and panels stand on `screen`: the screen below the menu bar, in coordinates of the page.
 void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive);
 void drawAlert(Svg& svg, const Alert& alert, CGRect screen);

@@ -53,9 +53,9 @@ constexpr Shade shades[] = {
     {"scroller", "fill", "rgba(0,0,0,.36)", "rgba(255,255,255,.38)"},
 };
 
-// After the platform's own fonts come narrow ones, so that lines stay within their frames in viewers that do not
-// stretch them. Ligatures are off because some fonts make an arrow of "->", and none is named that does so. Lines have
-// no area, and what has a line around it says so with a second class.
+// After the platform's own fonts come those as narrow, of a wide one its narrow cut, so that lines stay within their
+// frames in viewers that do not stretch them. Ligatures are off because some fonts make an arrow of "->", and none is
+// named that does so. Lines have no area, and what has a line around it says so with a second class.
 constexpr auto shapes =
     "text{font-family:-apple-system,BlinkMacSystemFont,'SF Pro Text','Helvetica Neue',Helvetica,Arial,"
     "'Liberation Sans','DejaVu Sans Condensed',sans-serif;font-variant-ligatures:none;"

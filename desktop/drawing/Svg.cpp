@@ -145,7 +145,7 @@ std::string Svg::newName() {
 }
 
 std::string Svg::mark(const char* kind, std::u16string_view name) const {
-  return isLive ? dataAttribute(kind, name) : "";
+  return isReachable ? dataAttribute(kind, name) : "";
 }
 
 Group::Group(Svg& picture, const std::string& attributes) : svg(picture), hasElement(!attributes.empty()) {
@@ -157,7 +157,7 @@ Group::~Group() {
 }
 
 Target::Target(Svg& svg, const char* kind, std::u16string_view name, CGRect frame) : group(svg, svg.mark(kind, name)) {
-  if (svg.isLive) svg.rectangle(frame, 0, "target");
+  if (svg.isReachable) svg.rectangle(frame, 0, "target");
 }
 
 } // namespace desktop

@@ -46,7 +46,7 @@ public:
   std::string shadow(CGSize offset, double radius, double opacity);
 
   /// Nothing lies over what is drawn now: the user can act on it.
-  bool isLive = false;
+  bool isReachable = false;
   /// The attribute of a group that is a part of the screen to the user, for pages that show the picture and let their
   /// visitors act on it. It says what the part is and what it is called: ` data-checkbox="Bold (Ctrl+B)"`. None where
   /// the user cannot act.

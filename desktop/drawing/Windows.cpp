@@ -153,7 +153,7 @@ void drawPanelButtons(Svg& svg, const OpenPanel& panel, CGRect bar) {
 
 } // namespace
 
-void drawPanel(Svg& svg, CGRect frame, double radius, std::string_view classes) {
+void drawSurface(Svg& svg, CGRect frame, double radius, std::string_view classes) {
   {
     const Group raised(svg, svg.shadow({0, 10}, 14, 0.34));
     svg.rectangle(frame, radius, classes);
@@ -167,7 +167,7 @@ void drawWindow(Svg& svg, const Window& window, CGRect screen, bool isActive) {
   frame.origin = rounded(
       {screen.origin.x + frame.origin.x, screen.origin.y + screen.size.height - frame.origin.y - frame.size.height});
   const Group whole(svg, svg.mark("window", unitsOf(window.title.get())));
-  drawPanel(svg, frame, windowRadius, "window");
+  drawSurface(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   CGPoint content = frame.origin;
   if ((window.styleMask & platform::NSWindowStyleMaskTitled) != 0) {
@@ -194,7 +194,7 @@ void drawAlert(Svg& svg, const Alert& alert, CGRect screen) {
                        paragraphHeight(alert.informative.get(), room, smallFace) + 18;
   const CGRect frame = centredOn(screen, {width, icon + texts + buttons.totalHeight() + margin});
   const Group whole(svg, svg.mark("alert", unitsOf(alert.message.get())));
-  drawPanel(svg, frame, windowRadius, "window");
+  drawSurface(svg, frame, windowRadius, "window");
 
   const auto picture = Image::applicationIcon();
   drawImage(svg, *picture, {{middleX(frame) - iconSide / 2, frame.origin.y + 20}, {iconSide, iconSide}}, "label");
@@ -212,7 +212,7 @@ void drawOpenPanel(Svg& svg, const OpenPanel& panel, CGRect screen) {
                     std::clamp(screen.size.height - 2 * margin, 260.0, 440.0)};
   const CGRect frame = centredOn(screen, size);
   const Group whole(svg, svg.mark("panel", unitsOf(panel.title.get())));
-  drawPanel(svg, frame, windowRadius, "window");
+  drawSurface(svg, frame, windowRadius, "window");
   const Group inside(svg, svg.clip(frame, windowRadius));
   drawTitleBar(svg, topOf(frame, Window::titleBarHeight), panel.title.get(), true);
 

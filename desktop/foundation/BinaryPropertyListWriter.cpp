@@ -71,13 +71,13 @@ public:
 
 private:
   /// A value, or else the key of a dictionary.
-  struct Object {
+  struct Numbered {
     const PropertyList* value;
     const std::u16string* key;
   };
 
   std::string out{magic};
-  std::vector<Object> objects;
+  std::vector<Numbered> objects;
   std::vector<std::uint64_t> offsets;
   std::size_t referenceSize = 1;
   std::uint64_t nextChild = 1;

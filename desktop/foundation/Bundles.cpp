@@ -127,12 +127,11 @@ Ref<URL> Bundle::privateFrameworksURL() const {
 }
 
 BOOL Bundle::load() const {
-  const auto executable = folder / folder.stem();
-  const std::string code = contentsOfFile(executable);
+  const std::string code = contentsOfFile(folder / folder.stem());
   for (const auto& [name, registerClass] : loadableClasses()) {
     if (code.find(name) != std::string::npos) registerClass();
   }
-  return isThere(executable);
+  return !code.empty();
 }
 
 MainBundle::MainBundle() {

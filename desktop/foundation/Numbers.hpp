@@ -7,7 +7,7 @@
 
 namespace desktop {
 
-/// The number that the whole text spells, in a base or a format of the characters' conversion; none for any other text,
+/// The number that the whole text spells, in a base (10, 16) or a `std::chars_format`; none for any other text,
 /// an empty one, or a number that its type cannot hold. Whole numbers without a sign in their type take none in the
 /// text.
 template <typename Number, typename Format = int>

@@ -13,7 +13,9 @@ RunningApplication& Applications::start(const std::string& name, const std::stri
 
 bool Applications::end(const std::string& name) {
   const auto isIt = [&](const auto& application) { return application->name == name; };
-  if (frontmost && isIt(frontmost)) frontmost = nullptr;
+  for (Ref<RunningApplication>* const place : {&frontmost, &focusElsewhere}) {
+    if (*place && isIt(*place)) *place = nullptr;
+  }
   return std::erase_if(running, isIt) != 0;
 }
 

@@ -58,7 +58,7 @@ public:
   /// The event as it leaves the taps, or null when one of them kept it.
   Event* throughTaps(Event* event);
 
-  /// In the order in which events pass them. Not owned.
+  /// Taps in the order in which events pass them. Not owned.
   const std::vector<EventTap*>& installed() const { return taps; }
   void add(EventTap* tap, CGEventTapPlacement placement);
   void remove(EventTap* tap);

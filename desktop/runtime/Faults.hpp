@@ -33,7 +33,7 @@ private:
   std::string failedOfAll;
 };
 
-/// How often the program asked.
+/// How often the program has asked for each of these.
 struct Queries : Part<Queries> {
   long frontmost = 0;
   long ownIdentifier = 0;

@@ -21,7 +21,7 @@ struct Registry {
   std::set<std::string> protocols;
   /// Classes of released instances, by the class they had.
   std::unordered_map<Class, std::unique_ptr<objc_class>> released;
-  /// Memory of the last released instances, round and round: kept aside so that a late message finds out.
+  /// Memory of the last released instances, round and round: kept aside so that a late message is found out.
   std::array<void*, 1 << 16> remains{};
   std::size_t buried = 0;
 };

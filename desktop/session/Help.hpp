@@ -17,7 +17,7 @@ struct Option {
 };
 
 inline constexpr Option traceOption{
-    "--trace", "", "tell what happens as one line per fact, for tests and scripts, instead of in sentences"};
+    "--trace", "", "tell what happens as one line per entry, for tests and scripts, instead of in sentences"};
 inline constexpr Option defaultsOption{
     "--defaults", "FILE", "the property list that holds the user's defaults; without it they are kept in memory"};
 inline constexpr Option bundleOption{

@@ -14,7 +14,7 @@ void type(Desktop& desktop, CGEventType type, KeyStroke key) {
   desktop.server.type(type, key.code, key.flags);
 }
 
-bool bringToFront(Desktop& desktop, const std::optional<std::string>& name) {
+bool switchTo(Desktop& desktop, const std::optional<std::string>& name) {
   if (!name) {
     desktop.applications.frontmost = nullptr;
     return true;
@@ -106,7 +106,7 @@ bool Session::carryOut(const Command& command) {
     if (command.name == "Tarnwick" && desktop.applications.tarnwick) return quit();
     return desktop.applications.end(*command.name);
   case Verb::Front:
-    return bringToFront(desktop, command.name);
+    return switchTo(desktop, command.name);
   case Verb::Focus:
     return focus(desktop, command.role);
   case Verb::Launch:

@@ -51,7 +51,7 @@ private:
   Desktop& desktop;
   Program program;
   Source source;
-  /// The command that launched the program by being none of those that come before; carried out first.
+  /// The command with which the program was launched, when it was another than `launch`: carried out once it runs.
   std::optional<Command> waiting;
   /// A menu that was shown stays open for pictures of it, until the user does something else.
   MenuBarState menuBar;

@@ -86,7 +86,10 @@ shipped::Target shippedMethod(id receiver, SEL selector) {
 }
 
 shipped::Target shippedMethodOfSuper(const objc_super* start, SEL selector) {
-  if (start->super_class == nullptr) desktop::stop("a message to super without a class to start from");
+  Class above = start->receiver != nullptr ? start->receiver->isa->superclass : start->super_class;
+  while (above != start->super_class && above != nullptr)
+    above = above->superclass;
+  if (above == nullptr) desktop::stop("a message to super starts at no class above the receiver's");
   return shipped::target(start->receiver, start->super_class, selector, false);
 }
 

@@ -3,7 +3,9 @@
 #include "macos/shipped/Imports.hpp"
 #include "macos/shipped/Slice.hpp"
 
+#include <algorithm>
 #include <csignal>
+#include <cstdio>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -31,15 +33,26 @@ void endWithSentence(int signal) {
 }
 
 /// A program that never comes back is ended after a minute of the processor's time, or earlier where the caller's own
-/// limit (`ulimit -S -t`) is lower.
-void watch() {
+/// limit (`ulimit -S -t`) is lower. What this process has used before, for another run of the program, is no part of
+/// it.
+void limitTime() {
   constexpr rlim_t minute = 60;
-  rlimit limit{};
-  getrlimit(RLIMIT_CPU, &limit);
-  if (limit.rlim_cur > minute) {
-    limit.rlim_cur = minute;
-    setrlimit(RLIMIT_CPU, &limit);
-  }
+  static const rlimit callers = [] {
+    rlimit limit{};
+    getrlimit(RLIMIT_CPU, &limit);
+    return limit;
+  }();
+  rusage used{};
+  getrusage(RUSAGE_SELF, &used);
+  rlimit limit = callers;
+  limit.rlim_cur =
+      std::min(callers.rlim_cur, minute + static_cast<rlim_t>(used.ru_utime.tv_sec + used.ru_stime.tv_sec));
+  setrlimit(RLIMIT_CPU, &limit);
+}
+
+/// From now on a program that fails is told in a sentence, after all that was printed until then.
+void tellFailures() {
+  setvbuf(stdout, nullptr, _IOLBF, 0);
   // On a stack of its own, for a program that calls itself until there is none left.
   static char stack[1 << 16];
   const stack_t room{static_cast<void*>(stack), 0, sizeof stack};
@@ -55,9 +68,10 @@ void watch() {
 
 int tarnwickMain() {
   static const shipped::Slice slice = [] {
-    watch();
+    tellFailures();
     const auto here = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     return shipped::Slice(here / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick", shipped::addressOf);
   }();
+  limitTime();
   return slice.run();
 }

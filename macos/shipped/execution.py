@@ -59,7 +59,7 @@ def executed(processor, *words, folder):
     if shutil.which(emulator[0]) is None:
         raise ExecutionError(f"{emulator[0]} is missing; it is in the package qemu-user")
     if not COMMANDS[processor].exists():
-        raise ExecutionError(f"{COMMANDS[processor]} is missing; ./dev app builds it")
+        raise ExecutionError(f"{COMMANDS[processor]} is missing; ./dev test macos and ./dev bench build it")
     with tempfile.TemporaryDirectory() as work:
         log = Path(work) / "log"
         subprocess.run([*emulator, one_instruction_at_a_time(emulator[0]), "-d", "exec,nochain", "-D", log,

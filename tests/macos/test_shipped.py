@@ -153,8 +153,10 @@ class Refusals(Case):
 
 MESSAGES = """
 extern void *objc_getClass(const char *), *sel_registerName(const char *), objc_release(void *);
-extern void objc_msgSend(void);
+extern void objc_msgSend(void), objc_msgSendSuper(void);
 #define SEND(type, receiver, selector) ((type(*)(void *, void *))objc_msgSend)(receiver, sel_registerName(selector))
+#define SUPER(receiver, name, selector) ((void (*)(void *, void *))objc_msgSendSuper)( \\
+  (void *[]){receiver, objc_getClass(name)}, sel_registerName(selector))
 int main(void) {
   void *object = SEND(void *, SEND(void *, objc_getClass("NSMenu"), "alloc"), "init");
   %s
@@ -182,7 +184,8 @@ class Failures(Case):
         for line, sentence in (
                 ('SEND(void, object, "nonsense");', "there is no method 'nonsense' of a NSMenu"),
                 ('objc_release(object); SEND(void, object, "init");', "message 'init' to a released NSMenu"),
-                ('SEND(void, 0, "init");', "message 'init' to nothing")):
+                ('SEND(void, 0, "init");', "message 'init' to nothing"),
+                ('SUPER(object, "NSMenu", "init");', "a message to super starts at no class above the receiver's")):
             code = self.mac_program(MESSAGES % line)
             for processor in COMMANDS:
                 with self.subTest(sentence=sentence, processor=processor):
