@@ -1,6 +1,7 @@
 """Packs a bundle into a zip file that keeps permissions and links, and is the same for the same bundle."""
 import os
 import stat
+import struct
 import time
 import zipfile
 import zlib
@@ -10,6 +11,7 @@ from macos import macho
 
 UNIX = 3
 PLAIN, RUNNABLE = 0o644, 0o755  # all may read, and may run what is a program
+LOCAL_MAGIC, LOCAL_SIZE, CENTRAL_SIZE, END_SIZE = b"PK\3\4", 30, 46, 22  # of the zip format's parts, without names
 EARLIEST = 315532800  # 1980, where the zip format's time begins
 
 
@@ -74,8 +76,26 @@ def compare(bundle, archive):
     try:
         with zipfile.ZipFile(archive) as package:
             yield from compare_entries(bundle, package, archive.name)
-    except (OSError, EOFError, ValueError, RuntimeError, NotImplementedError, zipfile.BadZipFile, zlib.error) as error:
+            if not is_only_its_files(package, archive.read_bytes()):
+                yield f"{archive.name} holds something before, between or behind its files"
+    except FileNotFoundError:
+        raise ArchiveError(f"{archive.name} is missing") from None
+    except (OSError, EOFError, ValueError, RuntimeError, NotImplementedError, struct.error, zipfile.BadZipFile,
+            zlib.error) as error:
         raise ArchiveError(f"{archive.name} cannot be unpacked: {error or type(error).__name__}") from None
+
+
+def is_only_its_files(package, data):
+    """Whether the files, the directory of them and its end are all: some unpackers go by the directory, others take
+    whatever follows, and they must find the same."""
+    position = 0
+    for entry in package.infolist():
+        if entry.header_offset != position or data[position:position + 4] != LOCAL_MAGIC:
+            return False
+        name_size, extra_size = struct.unpack_from("<2H", data, position + 26)
+        position += LOCAL_SIZE + name_size + extra_size + entry.compress_size
+    directory = sum(CENTRAL_SIZE + len(entry.orig_filename.encode()) for entry in package.infolist())
+    return position == package.start_dir and position + directory + END_SIZE == len(data)
 
 
 def compare_entries(bundle, package, archive):

@@ -68,6 +68,17 @@ class Archive(unittest.TestCase):
             self.assertEqual(len(found), 1, found)
             self.assertRegex(found[0], f"^Tarnwick.zip .*{sentence}")
 
+    def test_more_than_files(self):
+        archive.write(self.bundle, self.packed)
+        whole = self.packed.read_bytes()
+        hidden = whole[:whole.index(b"PK\3\4", 4)]
+        with zipfile.ZipFile(self.packed, "a") as package:
+            package.comment = b"comment"
+        for content in (b"#!/bin/sh\n" + whole, whole + b"more", hidden + whole, self.packed.read_bytes()):
+            self.packed.write_bytes(content)
+            self.assertEqual(list(archive.compare(self.bundle, self.packed)),
+                             ["Tarnwick.zip holds something before, between or behind its files"])
+
     def test_no_archive_at_all(self):
         bundle, packed = self.fresh(), self.folder / "Tarnwick.zip"
         archive.write(bundle, packed)
