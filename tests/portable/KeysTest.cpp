@@ -4,7 +4,6 @@
 #include "remap/KeyRemapper.hpp"
 #include "tests/portable/Portable.hpp"
 
-#include <algorithm>
 #include <string>
 #include <unordered_set>
 
@@ -80,13 +79,16 @@ TEST_F(KeysTest, TextsAreTheSameWhateverObjectsHoldThem) {
 
 TEST_F(KeysTest, ExemptionsAreTrimmedSortedAndReadBack) {
   // Both spellings of the accent compose to the same, which is above every ASCII letter.
-  const std::u16string sorted[] = {u"a", u"z", u"e\u0301", u"\u00e9", u"\uFF5E", u"\U0001F600"};
+  const std::vector<std::u16string> sorted{u"a", u"z", u"e\u0301", u"\u00e9", u"\uFF5E", u"\U0001F600"};
   for (const char* added : {"\U0001F600", "\uFF5E", "\u00e9", "e\u0301", "z", "\u3000 a\t\u00a0\r\n", " \n"})
     remapper->addExemptBundleID(added);
   const auto readBack = KeyRemapper::make()->allExemptBundleIDs();
-  EXPECT_TRUE(std::ranges::equal(readBack, sorted, {}, &NSString::characters));
-  for (const NSString& each : readBack)
+  std::vector<std::u16string> found;
+  for (const NSString& each : readBack) {
+    found.push_back(each.characters());
     remapper->removeExemptBundleID(each);
+  }
+  EXPECT_EQ(found, sorted);
   EXPECT_EQ(NSUserDefaults::standardUserDefaults().arrayForKey("exemptBundleIDs").count(), 0U);
 }
 
