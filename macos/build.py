@@ -19,11 +19,15 @@ ROOT = HERE.parent
 
 PROCESSORS = ("arm64", "x86_64")
 TOOLS = {"cmake": "cmake", "ninja": "ninja-build", "clang++-19": "clang-19", "ld64.lld-19": "lld-19",
-         "llvm-ar-19": "llvm-19", "npm": "npm"}
+         "llvm-ar-19": "llvm-19"}
 
 
 class BuildError(Exception):
     """The application cannot be built; the text is for the person who asked for it."""
+
+
+class WrongArgument(BuildError):
+    """What was asked for cannot be."""
 
 
 def run(*command):
@@ -102,7 +106,7 @@ def moment_of_source():
         asked = subprocess.run(["git", "log", "-1", "--format=%ct"], cwd=ROOT, capture_output=True, text=True, check=False)
         told = asked.stdout.strip() or str(archive.EARLIEST)
     if not told.isdecimal():
-        raise BuildError(f"SOURCE_DATE_EPOCH is {told!r}, not a number of seconds")
+        raise WrongArgument(f"SOURCE_DATE_EPOCH is {told!r}, not a number of seconds")
     return int(told)
 
 
@@ -110,14 +114,14 @@ def build(output, identity, frameworks):
     """Everything, from the sources to the checked archive."""
     on_a_mac = platform.system() == "Darwin"
     if identity and not on_a_mac:
-        raise BuildError("an identity can sign only on a Mac; without one the signature is ad hoc")
+        raise WrongArgument("an identity can sign only on a Mac; without one the signature is ad hoc")
     missing = information.placeholders(information.read(sysroot.INFORMATION))
     if identity and missing:
         raise BuildError(f"what is signed for others needs its addresses: fill in {' and '.join(missing)} in "
                          f"bundle/{sysroot.INFORMATION.name}")
     for framework in frameworks:
         if not (framework / "Versions" / "Current").exists():
-            raise BuildError(f"{framework} is not a framework")
+            raise WrongArgument(f"{framework} is not a framework")
     bundle, zipped = output / "Tarnwick.app", output / "Tarnwick.zip"
     assemble(bundle, compile_all(output, [] if on_a_mac else cross_options(output)), frameworks)
     if on_a_mac:
@@ -137,7 +141,7 @@ def build(output, identity, frameworks):
 
 
 def main():
-    """Status 0 when the application is there, 1 with a sentence otherwise."""
+    """Status 0 when the application is there; with a sentence 2 for what cannot be asked for, 1 otherwise."""
     parser = argparse.ArgumentParser(prog="./dev app", description="Builds Tarnwick.app and Tarnwick.zip.")
     parser.add_argument("--output", type=Path, default=ROOT / "build" / "macos", help="default: build/macos")
     parser.add_argument("--identity", help="Developer ID to sign with, on a Mac; default: ad hoc")
@@ -148,7 +152,7 @@ def main():
     except (BuildError, sysroot.SysrootError, codesign.SigningError, verify.VerificationError, archive.ArchiveError,
             information.InformationError, macho.MachOError, OSError) as error:
         print(f"./dev app: {error}", file=sys.stderr)
-        return 1
+        return 2 if isinstance(error, WrongArgument) else 1
     print(f"{options.output / 'Tarnwick.app'} and {options.output / 'Tarnwick.zip'} are ready")
     return 0
 

@@ -143,7 +143,7 @@ def download(folder):
     try:
         subprocess.run(command, check=True, capture_output=True, cwd=folder)
     except FileNotFoundError:
-        raise SysrootError("npm is missing; it downloads macOS's open headers") from None
+        raise SysrootError("npm is missing, which downloads macOS's open headers; Debian has it in the package npm") from None
     except subprocess.CalledProcessError as error:
         raise SysrootError(f"{PACKAGE} cannot be downloaded: {error.stderr.decode().strip()}") from None
     archive = next(folder.glob("*.tgz"))

@@ -53,7 +53,7 @@ class Build(unittest.TestCase):
 
     def test_framework_that_is_none(self):
         status, said = self.build(self.second, "--framework", str(self.second / "app"))
-        self.assertEqual((status, said), (1, f"./dev app: {self.second / 'app'} is not a framework\n"))
+        self.assertEqual((status, said), (2, f"./dev app: {self.second / 'app'} is not a framework\n"))
 
 
 class Mac(unittest.TestCase):
