@@ -5,6 +5,7 @@
 #include "desktop/session/Patterns.hpp"
 #include "desktop/session/Words.hpp"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace desktop {
@@ -23,6 +24,13 @@ std::string_view firstWord(std::string_view line) {
   constexpr std::string_view blanks = " \t";
   line.remove_prefix(std::min(line.find_first_not_of(blanks), line.size()));
   return line.substr(0, line.find_first_of(blanks));
+}
+
+/// A sentence about what is wrong with the line, and where to look.
+std::string complaint(const std::string& wrong, std::string_view line) {
+  const std::string look = "help lists all there are";
+  if (wrong.starts_with("unknown command")) return wrong + "; " + nearMatches(firstWord(line), commandNames()) + look;
+  return wrong.starts_with("unknown key") || wrong.starts_with("unknown modifier") ? wrong + "; " + look : wrong;
 }
 
 } // namespace
@@ -50,16 +58,6 @@ void Prompt::answerLast() {
   unanswered.reset();
 }
 
-void Prompt::complain(const Mistake& mistake, std::string_view line) const {
-  std::string sentence = mistake.what;
-  if (sentence.starts_with("unknown")) {
-    const std::string meant =
-        sentence.starts_with("unknown command") ? nearMatches(firstWord(line), commandNames()) : "";
-    sentence += "; " + (meant.empty() ? "" : meant.substr(0, meant.size() - 1) + " ") + "help lists all there are";
-  }
-  std::fprintf(stderr, "%s\n", sentence.c_str());
-}
-
 std::optional<Command> Prompt::next() {
   answerLast();
   while (auto line = nextLine()) {
@@ -70,7 +68,8 @@ std::optional<Command> Prompt::next() {
       continue;
     }
     auto read = grammar.read(*line);
-    if (auto* mistake = std::get_if<Mistake>(&read)) complain(*mistake, *line);
+    if (const auto* mistake = std::get_if<Mistake>(&read))
+      std::fprintf(stderr, "%s\n", complaint(mistake->what, *line).c_str());
     if (auto* command = std::get_if<Command>(&read)) {
       unanswered = *command;
       return std::move(*command);

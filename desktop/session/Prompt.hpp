@@ -27,7 +27,6 @@ public:
 
 private:
   void answerLast();
-  void complain(const Mistake& mistake, std::string_view line) const;
 
   Desktop& desktop;
   NextLine nextLine;
