@@ -10,6 +10,8 @@
 #include "desktop/appkit/OpenPanel.hpp"
 #include "desktop/appkit/StatusBar.hpp"
 
+#include <map>
+
 namespace desktop {
 
 /// How an alert or panel ends that the user does not answer.
@@ -32,14 +34,16 @@ struct AppKit : Part<AppKit> {
   bool isTerminated = false;
   /// Not owned: each leaves when it goes.
   std::vector<StatusItem*> statusItems;
-  /// The windows on the screen, the front one last. Not owned: each leaves when it goes.
-  std::vector<Window*> windows;
+  /// The windows on the screen by their `order`, the front one last. Not owned: each leaves when it goes.
+  std::map<long, Window*> windows;
+  /// How often windows have come to the front.
+  long ordered = 0;
   /// Open alerts and panels, the front one last.
   std::vector<ModalSession*> modalSessions;
 
   Menu* statusMenu() const;
   /// Null without one.
-  Window* frontWindow() const { return windows.empty() ? nullptr : windows.back(); }
+  Window* frontWindow() const { return windows.empty() ? nullptr : windows.rbegin()->second; }
   Object* frontModal() const { return modalSessions.empty() ? nullptr : modalSessions.back()->shown; }
   Alert* frontAlert() const { return ifIs<Alert>(frontModal()); }
   OpenPanel* frontPanel() const { return ifIs<OpenPanel>(frontModal()); }

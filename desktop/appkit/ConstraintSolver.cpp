@@ -1,6 +1,9 @@
 #include "desktop/appkit/ConstraintSolver.hpp"
 
 #include <algorithm>
+#include <set>
+#include <tuple>
+#include <utility>
 
 namespace desktop {
 namespace {
@@ -47,19 +50,29 @@ Span spanOf(const Known& one, const Known& other) {
           (other.value * a.start + one.value * -b.start) * (1 / determinant)};
 }
 
+/// Follows the relations in rounds, each in their order, until a round finds none to follow; then assumes something and
+/// goes on. A relation is looked at only when it may have become one to follow.
 class Solver {
 public:
-  explicit Solver(const std::vector<std::optional<double>>& wantedLengths)
-      : wanted(wantedLengths), known(wanted.size()) {
+  Solver(const std::vector<std::optional<double>>& wantedLengths, const std::vector<Relation>& given)
+      : wanted(wantedLengths), relations(given), known(wanted.size()), about(wanted.size()), isFollowed(given.size()) {
+    for (std::size_t index = 0; index < relations.size(); ++index) {
+      about[relations[index].first].push_back(index);
+      if (relations[index].second) about[*relations[index].second].push_back(index);
+      due.insert({0, index});
+    }
     learn(0, Edge::Start, {});
     learn(0, Edge::Length, {0, 1});
   }
 
-  Solution run(std::vector<Relation> relations) {
-    while (true) {
-      if (std::erase_if(relations, [&](const Relation& relation) { return follow(relation); }) != 0) continue;
-      if (!assume()) break;
-    }
+  Solution run() {
+    do {
+      while (!due.empty()) {
+        std::tie(round, at) = due.extract(due.begin()).value();
+        if (!isFollowed[at]) isFollowed[at] = follow(relations[at]);
+      }
+      at = relations.size();
+    } while (assume());
     for (const auto& box : known)
       solution.spans.push_back(spanOf(box[0], box[1]));
     return std::move(solution);
@@ -80,6 +93,9 @@ private:
   void learn(std::size_t box, Edge edge, Amount value) {
     if (const auto before = valueOf(box, edge)) return require(value, *before);
     known[box].push_back({edge, value});
+    for (const std::size_t index : about[box]) {
+      if (!isFollowed[index]) due.insert({index > at ? round : round + 1, index});
+    }
     if (box == 0 || known[box].size() < 2 || !wanted[box]) return;
     const Amount length = spanOf(known[box][0], known[box][1]).length;
     if (length.share > 0) require(length, {*wanted[box], 0});
@@ -112,25 +128,35 @@ private:
 
   /// Gives one box what no relation gives it: its wanted length, then a place at the start. False when all is known.
   bool assume() {
-    for (std::size_t box = 0; box < known.size(); ++box) {
-      if (known[box].size() == 2) continue;
-      const bool hasLength = valueOf(box, Edge::Length).has_value();
-      learn(box, hasLength ? Edge::Start : Edge::Length, hasLength ? Amount{} : Amount{wanted[box].value_or(0), 0});
-      return true;
-    }
-    return false;
+    while (firstOpen < known.size() && known[firstOpen].size() == 2)
+      ++firstOpen;
+    if (firstOpen == known.size()) return false;
+    const bool hasLength = valueOf(firstOpen, Edge::Length).has_value();
+    learn(firstOpen, hasLength ? Edge::Start : Edge::Length,
+          hasLength ? Amount{} : Amount{wanted[firstOpen].value_or(0), 0});
+    return true;
   }
 
   const std::vector<std::optional<double>>& wanted;
+  const std::vector<Relation>& relations;
   /// Up to two edges of each box: they determine it.
   std::vector<std::vector<Known>> known;
+  /// Of each box, the relations that it is in.
+  std::vector<std::vector<std::size_t>> about;
+  std::vector<bool> isFollowed;
+  /// What to look at, by round and number; and where in this order we are.
+  std::set<std::pair<std::size_t, std::size_t>> due;
+  std::size_t round = 0;
+  std::size_t at = 0;
+  /// All boxes before it are known.
+  std::size_t firstOpen = 0;
   Solution solution;
 };
 
 } // namespace
 
-Solution solve(const std::vector<std::optional<double>>& wantedLengths, std::vector<Relation> relations) {
-  return Solver(wantedLengths).run(std::move(relations));
+Solution solve(const std::vector<std::optional<double>>& wantedLengths, const std::vector<Relation>& relations) {
+  return Solver(wantedLengths, relations).run();
 }
 
 } // namespace desktop

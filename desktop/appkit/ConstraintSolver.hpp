@@ -42,6 +42,6 @@ struct Solution {
 
 /// A box that the relations leave a length takes the one that it wants, if any, and else none at all. Where relations
 /// contradict each other the first ones hold.
-Solution solve(const std::vector<std::optional<double>>& wantedLengths, std::vector<Relation> relations);
+Solution solve(const std::vector<std::optional<double>>& wantedLengths, const std::vector<Relation>& relations);
 
 } // namespace desktop

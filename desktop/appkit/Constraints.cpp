@@ -48,7 +48,9 @@ Ref<Constraint> Dimension::constraintEqualToConstant(CGFloat constant) const {
 void Constraint::activate(Array* constraints) {
   for (const auto& element : constraints->elements) {
     auto* const constraint = as<Constraint>(element.get());
-    holderOf(*constraint).constraints.push_back(shared(constraint));
+    View& holder = holderOf(*constraint);
+    holder.constraints.push_back(shared(constraint));
+    holder.changed();
   }
 }
 

@@ -25,6 +25,41 @@ Ref<Button> makeButton(String* title, id target, SEL action) {
 
 } // namespace
 
+void Control::setFont(Font* value) {
+  font = shared(value);
+  changed();
+}
+
+void Control::setLineBreakMode(NSUInteger value) {
+  lineBreakMode = value;
+  changed();
+}
+
+void TextField::setMaximumNumberOfLines(NSInteger value) {
+  maximumNumberOfLines = value;
+  changed();
+}
+
+void Button::setButtonType(NSUInteger value) {
+  type = value;
+  changed();
+}
+
+void Button::setBezelStyle(NSUInteger value) {
+  bezelStyle = value;
+  changed();
+}
+
+void Button::setTitle(String* value) {
+  title = shared(value);
+  changed();
+}
+
+void ImageView::setImage(Image* value) {
+  image = shared(value);
+  changed();
+}
+
 Ref<TextField> TextField::labelWithString(String* value) {
   auto label = create<TextField>();
   label->text = shared(value);

@@ -18,8 +18,8 @@ struct Control : View {
   Ref<Font> font;
   NSUInteger lineBreakMode = NSLineBreakByClipping;
 
-  void setFont(Font* value) { font = shared(value); }
-  void setLineBreakMode(NSUInteger value) { lineBreakMode = value; }
+  void setFont(Font* value);
+  void setLineBreakMode(NSUInteger value);
   /// The system font at its size of 13 unless another one was set.
   Typeface face() const { return font ? font->face : Typeface(); }
 };
@@ -33,7 +33,7 @@ struct TextField : Control {
 
   static Ref<TextField> labelWithString(String* value);
   void setTextColor(Color* value) { textColor = value; }
-  void setMaximumNumberOfLines(NSInteger value) { maximumNumberOfLines = value; }
+  void setMaximumNumberOfLines(NSInteger value);
   CGSize intrinsicContentSize() const;
   /// The text as it is seen: wrapped into lines or shortened in its middle for the width of the frame.
   std::vector<std::u16string> shownLines() const;
@@ -57,10 +57,10 @@ struct Button : Control {
 
   static Ref<Button> buttonWithTitle(String* title, id target, SEL action);
   static Ref<Button> checkboxWithTitle(String* title, id target, SEL action);
-  void setButtonType(NSUInteger value) { type = value; }
-  void setBezelStyle(NSUInteger value) { bezelStyle = value; }
+  void setButtonType(NSUInteger value);
+  void setBezelStyle(NSUInteger value);
   void setContentTintColor(Color* value) { tint = value; }
-  void setTitle(String* value) { title = shared(value); }
+  void setTitle(String* value);
   void setImage(Image* value) { image = shared(value); }
   void setImagePosition(NSUInteger value) { imagePosition = value; }
   /// On for everything but off, since no button here has a mixed state.
@@ -81,7 +81,7 @@ struct ImageView : Control {
   Ref<Image> image;
   NSUInteger scaling = NSImageScaleProportionallyDown;
 
-  void setImage(Image* value) { image = shared(value); }
+  void setImage(Image* value);
   void setImageScaling(NSUInteger value) { scaling = value; }
   CGSize intrinsicContentSize() const;
 };

@@ -1,10 +1,12 @@
 #include "desktop/appkit/Layout.hpp"
 
 #include "desktop/appkit/Constraints.hpp"
+#include "desktop/appkit/Control.hpp"
 #include "platform/Constraints.hpp"
 
 #include <algorithm>
 #include <numeric>
+#include <unordered_map>
 
 namespace desktop {
 namespace {
@@ -40,6 +42,15 @@ void setSpan(View& view, Axis axis, double start, double length) {
   }
 }
 
+View::Measure& measureOf(View& view, Axis axis) {
+  return view.measures[static_cast<int>(axis)];
+}
+
+/// As last measured.
+std::optional<double> fitting(View& view, Axis axis) {
+  return measureOf(view, axis).fitting;
+}
+
 /// The length that a constraint of the view alone demands.
 std::optional<double> demandedLength(const View& view, Axis axis) {
   for (const auto& constraint : view.constraints) {
@@ -71,11 +82,11 @@ private:
   }
 
   std::size_t boxOf(View* view) {
-    const auto found = std::find(views.begin(), views.end(), view);
-    if (found != views.end()) return static_cast<std::size_t>(found - views.begin());
-    const std::size_t box = views.size();
+    const auto [known, isNew] = boxes.try_emplace(view, views.size());
+    const std::size_t box = known->second;
+    if (!isNew) return box;
     views.push_back(view);
-    wanted.push_back(box == 0 ? std::nullopt : fittingLength(*view, axis));
+    wanted.push_back(box == 0 ? std::nullopt : fitting(*view, axis));
     if (box != 0) fix(box);
     return box;
   }
@@ -94,9 +105,57 @@ private:
 
   Axis axis;
   std::vector<View*> views;
+  std::unordered_map<View*, std::size_t> boxes;
   std::vector<std::optional<double>> wanted;
   std::vector<Relation> relations;
 };
+
+double stackLength(const StackView& stack, Axis axis) {
+  double sum = stack.arranged.empty() ? 0 : stack.spacing * static_cast<double>(stack.arranged.size() - 1);
+  double longest = 0;
+  for (View* view : stack.arranged) {
+    const double length = fitting(*view, axis).value_or(0);
+    sum += length;
+    longest = std::max(longest, length);
+  }
+  return axis == stack.orientation ? sum : longest;
+}
+
+/// From what is inside it, once that has been measured.
+std::optional<double> lengthAround(View& view, Axis axis) {
+  if (const auto length = demandedLength(view, axis)) return length;
+  if (const auto* stack = ifIs<StackView>(&view)) return stackLength(*stack, axis);
+  static const SEL intrinsicContentSize = sel_registerName("intrinsicContentSize");
+  const double intrinsic = along(perform<CGSize>(&view, intrinsicContentSize), axis);
+  if (intrinsic >= 0) return intrinsic;
+  return view.constraints.empty() ? std::nullopt : Ties(view, axis).solved().least;
+}
+
+/// Whether what the view wants follows from a frame, which layout itself changes: a wrapped text's height from its
+/// width, a container's length from a view that stays where it was put.
+bool followsFrames(View& view, Axis axis) {
+  if (const auto* label = ifIs<TextField>(&view))
+    return axis == Axis::Vertical && label->lineBreakMode == platform::NSLineBreakByWordWrapping;
+  return std::any_of(view.constraints.begin(), view.constraints.end(), [&](const auto& constraint) {
+    const View* const second = constraint->second;
+    return second != nullptr && ((constraint->first != &view && constraint->first->translatesMask) ||
+                                 (second != &view && second->translatesMask));
+  });
+}
+
+/// Finds the fitting lengths of the view and of all inside it that are not known, each once.
+void measure(View& view, Axis axis) {
+  View::Measure& measured = measureOf(view, axis);
+  if (measured.isKnown) return;
+  measured.isKnown = true;
+  for (const auto& subview : view.subviews) {
+    measure(*subview, axis);
+    measured.isKnown = measured.isKnown && measureOf(*subview, axis).isKnown;
+  }
+  measured.isKnown = measured.isKnown && !followsFrames(view, axis);
+  measured.placedAt.reset();
+  measured.fitting = lengthAround(view, axis);
+}
 
 void placeTied(View& view, Axis axis) {
   const Ties ties(view, axis);
@@ -108,20 +167,10 @@ void placeTied(View& view, Axis axis) {
   }
 }
 
-double stackLength(const StackView& stack, Axis axis) {
-  double sum = stack.arranged.empty() ? 0 : stack.spacing * static_cast<double>(stack.arranged.size() - 1);
-  double longest = 0;
-  for (View* view : stack.arranged) {
-    const double length = fittingLength(*view, axis).value_or(0);
-    sum += length;
-    longest = std::max(longest, length);
-  }
-  return axis == stack.orientation ? sum : longest;
-}
-
 /// Takes what is too much from the views that hold their content least. At the platform's default they hold it against
 /// the stack, and stand out at its end.
 void shorten(const StackView& stack, std::vector<double>& lengths, double excess) {
+  if (excess <= 0) return;
   const auto resistance = [&](std::size_t index) {
     return stack.arranged[index]->compressionResistance[static_cast<int>(stack.orientation)];
   };
@@ -142,7 +191,7 @@ void placeAlong(const StackView& stack) {
   std::vector<double> lengths;
   double sum = -stack.spacing;
   for (View* view : stack.arranged) {
-    lengths.push_back(fittingLength(*view, axis).value_or(0));
+    lengths.push_back(fitting(*view, axis).value_or(0));
     sum += lengths.back() + stack.spacing;
   }
   shorten(stack, lengths, sum - along(stack.frame.size, axis));
@@ -157,12 +206,16 @@ void placeAlong(const StackView& stack) {
 void placeAcross(const StackView& stack, Axis axis) {
   const double room = along(stack.frame.size, axis);
   for (View* view : stack.arranged) {
-    const double length = std::min(fittingLength(*view, axis).value_or(room), room);
+    const double length = std::min(fitting(*view, axis).value_or(room), room);
     setSpan(*view, axis, stack.alignment == platform::NSLayoutAttributeLeading ? 0 : (room - length) / 2, length);
   }
 }
 
+/// Places what is inside the view, unless it lies where it would be placed.
 void place(View& view, Axis axis) {
+  View::Measure& measured = measureOf(view, axis);
+  const double length = along(view.frame.size, axis);
+  if (measured.placedAt == length) return;
   if (const auto* stack = ifIs<StackView>(&view)) {
     axis == stack->orientation ? placeAlong(*stack) : placeAcross(*stack, axis);
   } else if (const auto* scroll = ifIs<ScrollView>(&view)) {
@@ -172,22 +225,21 @@ void place(View& view, Axis axis) {
   }
   for (const auto& subview : view.subviews)
     place(*subview, axis);
+  if (measured.isKnown) measured.placedAt = length;
 }
 
 } // namespace
 
 void layOut(View& view) {
-  place(view, Axis::Horizontal);
-  place(view, Axis::Vertical);
+  for (const Axis axis : {Axis::Horizontal, Axis::Vertical}) {
+    measure(view, axis);
+    place(view, axis);
+  }
 }
 
 std::optional<double> fittingLength(View& view, Axis axis) {
-  if (const auto length = demandedLength(view, axis)) return length;
-  if (const auto* stack = ifIs<StackView>(&view)) return stackLength(*stack, axis);
-  static const SEL intrinsicContentSize = sel_registerName("intrinsicContentSize");
-  const double intrinsic = along(perform<CGSize>(&view, intrinsicContentSize), axis);
-  if (intrinsic >= 0) return intrinsic;
-  return view.constraints.empty() ? std::nullopt : Ties(view, axis).solved().least;
+  measure(view, axis);
+  return fitting(view, axis);
 }
 
 bool isFlipped(View& view) {

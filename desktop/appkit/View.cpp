@@ -20,6 +20,24 @@ View* View::initWithFrame(CGRect value) {
   return this;
 }
 
+void View::changed() {
+  // Nothing is known of a view unless it is of all views inside.
+  const auto isKnown = [](const Measure& measure) { return measure.isKnown; };
+  for (View* view = this; view != nullptr && std::any_of(view->measures, view->measures + 2, isKnown);
+       view = view->superview)
+    view->measures[0] = view->measures[1] = {};
+}
+
+void View::setTranslatesMask(BOOL value) {
+  translatesMask = value;
+  changed();
+}
+
+void View::setFrame(CGRect value) {
+  frame = value;
+  if (superview != nullptr) superview->changed();
+}
+
 CGSize View::fittingSize() {
   return {fittingLength(*this, Axis::Horizontal).value_or(0), fittingLength(*this, Axis::Vertical).value_or(0)};
 }
@@ -34,6 +52,7 @@ void View::addSubview(View* view) {
   view->removeFromSuperview();
   view->superview = this;
   subviews.push_back(kept);
+  changed();
 }
 
 void View::removeFromSuperview() {
@@ -45,6 +64,7 @@ void View::removeFromSuperview() {
   // The superview's reference may be the last one; this keeps the view alive to the end of the function.
   const auto kept = shared(this);
   container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
+  container.changed();
 }
 
 Axis axisOf(NSInteger orientation) {
@@ -55,6 +75,7 @@ Axis axisOf(NSInteger orientation) {
 
 void View::setCompressionResistance(float priority, NSInteger orientation) {
   compressionResistance[static_cast<int>(axisOf(orientation))] = priority;
+  changed();
 }
 
 Ref<Array> View::copyOfSubviews() const {
@@ -67,6 +88,21 @@ void View::setWantsLayer(BOOL value) {
   if (value && !itsLayer) itsLayer = create<Layer>();
 }
 
+void StackView::setOrientation(NSInteger value) {
+  orientation = axisOf(value);
+  changed();
+}
+
+void StackView::setAlignment(NSInteger value) {
+  alignment = value;
+  changed();
+}
+
+void StackView::setSpacing(CGFloat value) {
+  spacing = value;
+  changed();
+}
+
 void StackView::addArrangedSubview(View* view) {
   addSubview(view);
   view->translatesMask = false;
@@ -77,6 +113,7 @@ void StackView::addArrangedSubview(View* view) {
 void StackView::removeArrangedSubview(View* view) {
   if (view->superview != this || !std::exchange(view->isArranged, false)) return;
   arranged.erase(std::find(arranged.begin(), arranged.end(), view));
+  changed();
 }
 
 Ref<Array> StackView::arrangedSubviews() const {
@@ -110,6 +147,11 @@ void ScrollView::setScrollerStyle(NSInteger style) {
 
 CGSize ScrollView::contentSize() const {
   return clip->frame.size;
+}
+
+void Box::setBoxType(NSUInteger value) {
+  type = value;
+  changed();
 }
 
 CGSize Box::intrinsicContentSize() const {

@@ -39,6 +39,16 @@ struct View : Object {
   Ref<Layer> itsLayer;
   /// How firmly the view holds its content's width and height, up to 1000.
   float compressionResistance[2] = {NSLayoutPriorityDefaultHigh, NSLayoutPriorityDefaultHigh};
+  /// What layout (Layout.hpp) found along an axis.
+  struct Measure {
+    /// The least length at which everything inside has the room that it wants; none where nothing asks for any.
+    std::optional<double> fitting;
+    /// It holds, here and for everything inside, until something changes.
+    bool isKnown = false;
+    /// The length at which everything inside was placed, if it is there still.
+    std::optional<double> placedAt;
+  };
+  Measure measures[2];
   /// Active constraints between this view, its subviews or both.
   std::vector<Ref<Constraint>> constraints;
 
@@ -49,9 +59,9 @@ struct View : Object {
   BOOL isFlipped() const { return false; }
   /// -1 along an axis for a view that does not mind.
   CGSize intrinsicContentSize() const { return {-1, -1}; }
-  void setTranslatesMask(BOOL value) { translatesMask = value; }
+  void setTranslatesMask(BOOL value);
   void setAutoresizingMask(NSUInteger value) { autoresizingMask = value; }
-  void setFrame(CGRect value) { frame = value; }
+  void setFrame(CGRect value);
   CGRect itsFrame() const { return frame; }
   Ref<Array> copyOfSubviews() const;
   CGSize fittingSize();
@@ -63,6 +73,8 @@ struct View : Object {
   void setIdentifier(String* value) { itsIdentifier = shared(value); }
   String* identifier() const { return itsIdentifier.get(); }
   void setCompressionResistance(float priority, NSInteger orientation);
+  /// To be called when something has changed that the layout of the view or of what is around it may follow from.
+  void changed();
   /// Defined with the anchors.
   template <class Anchor, Axis axis, Edge edge> Ref<Anchor> anchor();
 };
@@ -70,7 +82,7 @@ struct View : Object {
 struct Box : View {
   NSUInteger type = NSBoxPrimary;
 
-  void setBoxType(NSUInteger value) { type = value; }
+  void setBoxType(NSUInteger value);
   CGSize intrinsicContentSize() const;
 };
 
@@ -82,9 +94,9 @@ struct StackView : View {
   NSInteger alignment = platform::NSLayoutAttributeCenterY;
   CGFloat spacing = 8;
 
-  void setOrientation(NSInteger value) { orientation = axisOf(value); }
-  void setAlignment(NSInteger value) { alignment = value; }
-  void setSpacing(CGFloat value) { spacing = value; }
+  void setOrientation(NSInteger value);
+  void setAlignment(NSInteger value);
+  void setSpacing(CGFloat value);
   void addArrangedSubview(View* view);
   /// It stays a subview.
   void removeArrangedSubview(View* view);

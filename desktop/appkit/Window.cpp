@@ -19,7 +19,7 @@ Ref<Screen> Screen::mainScreen() {
 }
 
 Window::~Window() {
-  std::erase(AppKit::current().windows, this);
+  AppKit::current().windows.erase(order);
 }
 
 Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger backing, BOOL defer) {
@@ -64,17 +64,17 @@ void Window::center() {
 }
 
 void Window::makeKeyAndOrderFront(id /*sender*/) {
-  auto& windows = AppKit::current().windows;
-  std::erase(windows, this);
-  windows.push_back(this);
+  AppKit& appKit = AppKit::current();
+  appKit.windows.erase(order);
+  order = ++appKit.ordered;
+  appKit.windows.emplace(order, this);
   layOut();
   const CGSize size = contentSize();
   tell({"window", textOf(title.get()), sizeText(size.width), sizeText(size.height)});
 }
 
 bool Window::isVisible() const {
-  const auto& windows = AppKit::current().windows;
-  return std::find(windows.begin(), windows.end(), this) != windows.end();
+  return AppKit::current().windows.count(order) != 0;
 }
 
 Ref<Screen> Window::screen() const {
@@ -88,7 +88,7 @@ bool Window::resize(CGSize size) {
 }
 
 void Window::close() {
-  std::erase(AppKit::current().windows, this);
+  AppKit::current().windows.erase(order);
   if (releasedWhenClosed) release(this);
 }
 

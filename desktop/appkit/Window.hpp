@@ -30,6 +30,8 @@ struct Window : Object {
   /// Not owned, as on the platform.
   id delegate = nullptr;
   BOOL releasedWhenClosed = true;
+  /// Its key among the windows on the screen, while it is one of them.
+  long order = 0;
 
   ~Window();
   Window* initWithContentRect(CGRect rect, NSUInteger style, NSUInteger backing, BOOL defer);

@@ -26,10 +26,8 @@ Workspace* sharedWorkspace() {
 
 Ref<Array> runningApplicationsWithBundleIdentifier(String* identifier) {
   auto found = create<Array>();
-  for (const auto& application : Applications::current().running) {
-    const String* own = application->identifier.get();
-    if (own != nullptr && own->isEqualToString(identifier)) found->elements.emplace_back(application);
-  }
+  for (const auto& application : Applications::current().identifiedBy(identifier))
+    found->elements.emplace_back(application);
   return found;
 }
 

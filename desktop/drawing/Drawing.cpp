@@ -32,7 +32,7 @@ void drawProgram(Svg& svg, const Desktop& desktop, CGRect screen) {
   const AppKit& appKit = desktop.appKit;
   const Object* const modal = appKit.frontModal();
   const bool isFrontmost = desktop.applications.frontmost.get() == desktop.applications.tarnwick.get();
-  for (Window* window : appKit.windows) {
+  for (const auto& [order, window] : appKit.windows) {
     window->layOut();
     svg.isReachable = modal == nullptr && window == appKit.frontWindow();
     drawWindow(svg, *window, screen, isFrontmost && svg.isReachable);

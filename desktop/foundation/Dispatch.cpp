@@ -12,14 +12,12 @@ dispatch_queue_s _dispatch_main_q;
 namespace desktop {
 
 void MainQueue::add(std::int64_t due, void* context, Work work) {
-  const auto later = [](std::int64_t moment, const Block& block) { return moment < block.due; };
-  blocks.insert(std::upper_bound(blocks.begin(), blocks.end(), due, later), {due, context, work});
+  blocks.insert({due, {context, work}});
 }
 
 bool MainQueue::runNext() {
-  if (running || blocks.empty() || blocks.front().due > now) return false;
-  const Block block = blocks.front();
-  blocks.erase(blocks.begin());
+  if (running || blocks.empty() || blocks.begin()->first > now) return false;
+  const Block block = blocks.extract(blocks.begin()).mapped();
   running = true;
   block.work(block.context);
   running = false;
@@ -29,14 +27,13 @@ bool MainQueue::runNext() {
 void MainQueue::clear() {
   // On a Mac the memory that the blocks point to goes with the program's process. This process goes on, and a checker
   // of leaks would blame the program for what nobody points to: so somebody does, for ever.
-  static auto* const dropped = new std::vector<Block>;
-  dropped->insert(dropped->end(), blocks.begin(), blocks.end());
-  blocks.clear();
+  static auto* const dropped = new decltype(blocks);
+  dropped->merge(blocks);
 }
 
 std::int64_t MainQueue::nextMoment(std::int64_t limit) const {
   // A running block holds back those behind it, whenever they were due.
-  return running || blocks.empty() ? limit : std::min(limit, std::max(now, blocks.front().due));
+  return running || blocks.empty() ? limit : std::min(limit, std::max(now, blocks.begin()->first));
 }
 
 } // namespace desktop

@@ -3,6 +3,8 @@
 
 #include "desktop/runtime/Part.hpp"
 
+#include <map>
+
 namespace desktop {
 
 class MainQueue : public Part<MainQueue> {
@@ -23,12 +25,11 @@ public:
 
 private:
   struct Block {
-    std::int64_t due;
     void* context;
     Work work;
   };
   /// By due time, then by order of arrival.
-  std::vector<Block> blocks;
+  std::multimap<std::int64_t, Block> blocks;
   bool running = false;
 };
 

@@ -1,5 +1,6 @@
 #include "desktop/foundation/Text.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <utf8proc.h>
@@ -76,6 +77,10 @@ std::string utf8(std::u16string_view text) {
 }
 
 std::u16string composed(std::u16string_view text) {
+  // Nothing composes with what comes before the combining characters.
+  constexpr char16_t firstCombining = 0x300;
+  if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < firstCombining; }))
+    return std::u16string(text);
   // The library takes UTF-8 up to a NUL. NULs and lone surrogates, which it cannot be given, compose with nothing: what
   // lies between them is composed piece by piece.
   std::u16string result;

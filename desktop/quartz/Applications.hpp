@@ -4,6 +4,7 @@
 #include "desktop/foundation/Strings.hpp"
 #include "desktop/runtime/Part.hpp"
 
+#include <map>
 #include <optional>
 
 namespace desktop {
@@ -15,6 +16,8 @@ struct Event;
 struct RunningApplication : Object {
   std::string name;
   Ref<String> identifier;
+  /// The how many-th it is since the desktop began.
+  long number = 0;
   /// Role of the element with the keyboard focus; none when nothing has it.
   std::optional<std::string> role;
   /// What it does of its own accord with a key that it receives.
@@ -22,7 +25,8 @@ struct RunningApplication : Object {
 };
 
 struct Applications : Part<Applications> {
-  std::vector<Ref<RunningApplication>> running;
+  /// By name; those of one name in the order of their starts.
+  std::multimap<std::string, Ref<RunningApplication>> running;
   Ref<RunningApplication> frontmost;
   /// The application with the keyboard focus where that is not the frontmost one: a panel of an application in the
   /// background can have it.
@@ -39,6 +43,11 @@ struct Applications : Part<Applications> {
   bool end(const std::string& name);
   /// Null when none of that name runs.
   RunningApplication* named(const std::string& name) const;
+  /// In the order of their starts.
+  std::vector<Ref<RunningApplication>> identifiedBy(String* identifier) const;
+
+private:
+  long started = 0;
 };
 
 } // namespace desktop
