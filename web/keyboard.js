@@ -14,13 +14,13 @@ const keyNames = {
 
 /** The key as a session calls it, `ctrl+shift+left`; nothing for modifiers alone and for keys without a name there. */
 function keyOf(event) {
-  const plain = /^(?:Key([A-Z])|Digit([0-9])|(F[0-9]+))$/.exec(event.code);
+  const plain = /^(?:Key([A-Z])|Digit([0-9])|(F(?:1?[0-9]|20)))$/.exec(event.code);
   const name = plain ? plain.slice(1).find(Boolean).toLowerCase() : keyNames[event.code];
   if (!name) return null;
   const held = [
     [onMac ? 'cmd' : 'win', event.metaKey],
     ['ctrl', event.ctrlKey],
-    [onMac ? 'option' : 'alt', event.altKey],
+    [onMac ? 'option' : 'alt', event.altKey || event.getModifierState('AltGraph')],
     ['shift', event.shiftKey],
     ['caps', event.getModifierState('CapsLock')],
   ];

@@ -7,7 +7,8 @@ const $ = id => document.getElementById(id);
 const applications = ['Editor', 'Finder', 'Mail', 'Terminal'];
 /** Keys that browsers or systems are known to keep, and some for visitors without a keyboard. */
 const lockKey = onMac ? 'cmd+l' : 'win+l';
-const offeredKeys = ['ctrl+c', 'ctrl+n', 'ctrl+y', 'ctrl+left', lockKey, 'shift+2', 'f2', 'forwarddelete'];
+const offeredKeys =
+  ['ctrl+c', 'ctrl+n', 'ctrl+t', 'ctrl+w', 'ctrl+y', 'ctrl+left', lockKey, 'shift+2', 'f2', 'forwarddelete'];
 const shownRows = 200;
 
 /** The desktop before the visitor does anything. */
@@ -46,8 +47,8 @@ function deedOf(command) {
     case 'press': return [[keyLabel(rest.split(/\s/)[0])], rest.includes(' ') ? ` ${rest.split(/\s+/)[1]} times` : ''];
     case 'front': return [`brought ${title} to the front`];
     case 'show': return [title === 'menu' ? 'opened Tarnwick’s menu' : command];
-    case 'menu':
-    case 'choose': return [`chose ${title}`];
+    case 'menu': return [`chose ${title}`];
+    case 'choose': return [`chose ${targets.choose.label(title)}`];
     case 'click': return [`clicked ${title}`];
     case 'close': return ['closed the window'];
     case 'cancel': return ['clicked Cancel'];
@@ -85,6 +86,7 @@ class Page {
   constructor(player) {
     this.player = player;
     this.commands = beginning();
+    this.shown = this.commands; // as they were when the picture was drawn
     this.picture = new Picture($('screen'), command => this.act(command));
     this.isBusy = false;
     this.listen();
@@ -120,7 +122,6 @@ class Page {
       }
     } catch (error) {
       complaint = error.message;
-      this.commands = beginning();
     }
     await this.refresh();
     if (complaint) $('fault').textContent = complaint;
@@ -138,15 +139,19 @@ class Page {
     this.isBusy = false;
   }
 
+  /** What cannot be played is told and taken back. */
   async playAndShow() {
+    const commands = [...this.commands];
     try {
       const {output, complaints, status, picture} = await this.player.play(`${this.session()}draw /screen.svg\n`);
       if (status !== 0) throw new Error(complaints);
       $('fault').textContent = '';
       this.picture.show(picture);
+      this.shown = commands;
       this.tell(historyFrom(output));
     } catch (error) {
       $('fault').textContent = error.message;
+      this.commands = [...this.shown];
     }
   }
 
