@@ -12,10 +12,21 @@ function unpacked(bytes) {
   return new Response(new Blob([bytes]).stream().pipeThrough(new DecompressionStream('gzip')));
 }
 
-class Player {
-  /** Lines that one play may print: nobody reads more, and a session can ask for any number of key presses. */
-  static limit = 100000;
+/** What the program prints to one of its outputs. */
+class Printed {
+  /** Characters; nobody reads more, and a session can ask for any number of key presses. */
+  static limit = 4000000;
 
+  decoder = new TextDecoder('utf-8', {ignoreBOM: true});
+  text = '';
+
+  add(bytes) {
+    this.text += this.decoder.decode(bytes, {stream: true});
+    if (this.text.length > Printed.limit) throw new Error('The session prints more than this page can hold.');
+  }
+}
+
+class Player {
   static async load() {
     return new Player(await WebAssembly.compile(await unpacked(bytesFrom(textOf('module'))).arrayBuffer()));
   }
@@ -42,9 +53,7 @@ class Player {
 
   async run(session, {trace = false, defaults = null, files: beside = {}, bundle = '/Tarnwick.app'}) {
     new Uint8Array(this.memory.buffer).fill(0);
-    const output = [];
-    const complaints = [];
-    const program = await this.instance(line => output.push(line), line => complaints.push(line));
+    const program = await this.instance();
     const files = program.FS;
     const given = {...this.bundled, ...beside, '/session': session, '/defaults/stored.plist': defaults ?? ''};
     for (const [name, content] of Object.entries(given)) {
@@ -52,23 +61,29 @@ class Player {
       files.writeFile(name, content);
     }
     const picture = lastPicture(files);
+    const printed = {1: new Printed(), 2: new Printed()};
     const write = files.write;
-    files.write = (...what) => {
-      if (output.length > Player.limit) throw new Error('The session prints more than this page can hold.');
-      return write(...what);
+    files.write = (stream, bytes, from, length, ...rest) => {
+      if (!(stream.fd in printed)) return write(stream, bytes, from, length, ...rest);
+      printed[stream.fd].add(bytes.subarray(from, from + length));
+      return length;
     };
+    Object.assign(files.getStream(1), {tty: null, stream_ops: {}}); // a terminal would get each line by itself
 
     const options = ['--bundle', bundle];
     if (trace) options.push('--trace');
     if (defaults !== null) options.push('--defaults', '/defaults/stored.plist');
-    const status = program.callMain([...options, 'session']);
-    const text = lines => lines.map(line => `${line}\n`).join('');
-    return {output: text(output), complaints: text(complaints), status, picture: picture()};
+    try {
+      const status = program.callMain([...options, 'session']);
+      return {output: printed[1].text, complaints: printed[2].text, status, picture: picture()};
+    } catch (error) {
+      throw new Error(printed[2].text || error.message); // a program that stopped has said why
+    }
   }
 
-  instance(print, printErr) {
+  instance() {
     return new Promise((resolve, reject) => makeTarnwick({
-      print, printErr,
+      printErr() {}, // nothing but that the program stopped, which the exception says too
       wasmMemory: this.memory,
       instantiateWasm: (imports, done) => {
         WebAssembly.instantiate(this.module, imports).then(instance => done(instance, this.module), reject);
