@@ -111,13 +111,15 @@ std::u16string folderName(const URL* folder) {
 
 /// Ways back and forward, the folder that is shown, and a field to search it.
 void drawPanelTools(Svg& svg, const OpenPanel& panel, CGRect bar) {
+  constexpr double margin = 16;
   svg.path({bar.origin.x + 20, middleY(bar)}, "M4 -5L-1 0L4 5M22 -5L27 0L22 5", "mark chevron");
   const CGRect folder{{middleX(bar) - 90, middleY(bar) - 11}, {180, 22}};
   drawPushButton(svg, folder, nullptr, false);
   svg.text(folderName(panel.directory.get()), {folder.origin.x + 10, middleY(folder)}, {}, "label");
   svg.path({folder.origin.x + folder.size.width - 14, middleY(folder)}, "M-3 -2L0 -5L3 -2M-3 2L0 5L3 2",
            "line chevron");
-  const CGRect search{{bar.origin.x + bar.size.width - 130, middleY(bar) - 11}, {114, 22}};
+  const double searchWidth = std::min(114.0, (bar.size.width - folder.size.width) / 2 - buttonGap - margin);
+  const CGRect search{{bar.origin.x + bar.size.width - margin - searchWidth, middleY(bar) - 11}, {searchWidth, 22}};
   svg.rectangle(search, 6, "capsule");
   svg.text(u"Search", {search.origin.x + 10, middleY(search)}, {}, "secondaryLabel");
 }
