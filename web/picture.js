@@ -26,7 +26,7 @@ function quoted(word) {
 const pictureStyle = `
   svg { display: block; width: 100%; height: auto; }
   ${selectorOf(targets)} { cursor: default; outline: none; }
-  :focus-visible > .target { stroke: #0a6cff; stroke-width: 3; }
+  :focus-visible > .target { stroke: var(--text); stroke-width: 3; }
   [data-scroll] { touch-action: none; }`;
 
 class Picture {
@@ -189,7 +189,7 @@ class Picture {
       window.addEventListener(end, () => drag.abort(), {signal: drag.signal});
     if (scroller) event.preventDefault();
   }
-  /** Scrolls so that the target is seen. */
+  /** Scrolls so that the target is seen, and what is next to it: below a button is the row that it adds. */
   reveal(element) {
     const scrolled = this.document();
     if (!scrolled?.contains(element)) return;
@@ -197,7 +197,8 @@ class Picture {
     const seen = this.root.querySelector(`${clip} rect`);
     const frame = element.getBBox();
     const top = frame.y - seen.y.baseVal.value;
-    this.scrollTo(Math.min(Math.max(this.scrolled, top + frame.height + 4 - seen.height.baseVal.value), top - 4));
+    const bottom = top + frame.height - seen.height.baseVal.value;
+    this.scrollTo(Math.min(Math.max(this.scrolled, bottom + 40), top - 40));
   }
 }
 
