@@ -155,6 +155,19 @@ class Visitors(BrowserTest):
                 self.wait(lambda: sentence in self.fault(), f"{sentence}; the page says {self.fault()}")
                 self.presses("Ctrl+C → Editor receives Cmd+C", "c", Keys.CONTROL)
                 self.assertEqual(self.fault(), "")
+        session = self.session()
+        self.browser.execute_script("location.hash = '%%%'")
+        self.wait(lambda: "damaged" in self.fault())
+        self.assertEqual(self.session(), session, "what the visitor did stays")
+
+    def test_what_cannot_be_played_is_taken_back(self):
+        session = self.session()
+        self.browser.execute_script("Printed.limit = 0")
+        self.press("b")
+        self.wait(lambda: "more than this page can hold" in self.fault())
+        self.browser.execute_script("Printed.limit = 1000000")
+        self.presses("C → Editor receives C", "c")
+        self.assertEqual(self.session(), session + "press c\n")
 
     def test_of_a_long_session_the_end_is_shown(self):
         self.open(link_of("press ctrl+c\n" * 10000))
