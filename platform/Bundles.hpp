@@ -32,7 +32,7 @@ public:
   /// Empty when the bundle names none.
   [[nodiscard]] Lent<NSString> bundleIdentifier() const { return send<"bundleIdentifier", Lent<NSString>>(*this); }
   [[nodiscard]] NSObject objectForInfoDictionaryKey(const NSString& key) const {
-    return send<"objectForInfoDictionaryKey:", NSObject>(*this, key);
+    return key ? send<"objectForInfoDictionaryKey:", NSObject>(*this, key) : NSObject();
   }
   /// The folder of the frameworks that came with the bundle.
   [[nodiscard]] NSURL privateFrameworksURL() const { return send<"privateFrameworksURL", NSURL>(*this); }

@@ -11,11 +11,13 @@ class NSArray : public NSObject {
 public:
   using NSObject::NSObject;
 
+  /// Without those that are empty, which the platform would not take.
   template <Wrapper Element> static NSArray of(const std::vector<Element>& elements) {
     std::vector<id> objects;
     objects.reserve(elements.size());
-    for (const Element& element : elements)
-      objects.push_back(element.object());
+    for (const Element& element : elements) {
+      if (element) objects.push_back(element.object());
+    }
     return make<"NSArray", "initWithObjects:count:", NSArray>(static_cast<const id*>(objects.data()),
                                                               static_cast<NSUInteger>(objects.size()));
   }

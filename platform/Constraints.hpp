@@ -19,20 +19,23 @@ inline constexpr NSLayoutPriority NSLayoutPriorityDefaultLow = 250;
 class NSLayoutConstraint : public NSObject {
 public:
   using NSObject::NSObject;
-  /// The views of each constraint have to have an ancestor in common by now.
+  /// The views of each constraint have to have an ancestor in common by now. The platform takes no empty list.
   static void activateConstraints(const NSArray& constraints) {
-    send<"activateConstraints:">(theClass<"NSLayoutConstraint">, constraints);
+    if (constraints) send<"activateConstraints:">(theClass<"NSLayoutConstraint">, constraints);
   }
 };
 
-/// An edge, centre or extent of a view; only those of one kind can be tied to each other.
+/// An edge, centre or extent of a view; only those of one kind can be tied to each other. A tie to nothing, which the
+/// platform would not take, is empty.
 template <class AnchorType> class NSLayoutAnchor : public NSObject {
 public:
   using NSObject::NSObject;
   [[nodiscard]] NSLayoutConstraint constraintEqualToAnchor(const AnchorType& other) const {
+    if (!other) return {};
     return send<"constraintEqualToAnchor:", NSLayoutConstraint>(*this, other);
   }
   [[nodiscard]] NSLayoutConstraint constraintEqualToAnchor(const AnchorType& other, CGFloat constant) const {
+    if (!other) return {};
     return send<"constraintEqualToAnchor:constant:", NSLayoutConstraint>(*this, other, constant);
   }
 };

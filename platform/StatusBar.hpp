@@ -28,7 +28,10 @@ public:
   using NSObject::NSObject;
   static NSMenu make() { return platform::make<"NSMenu", "init", NSMenu>(); }
 
-  void addItem(const NSMenuItem& item) const { send<"addItem:">(*this, item); }
+  /// Nothing happens when the item could not be made: the platform takes no nothing.
+  void addItem(const NSMenuItem& item) const {
+    if (item) send<"addItem:">(*this, item);
+  }
 };
 
 class NSStatusBarButton : public NSButton {

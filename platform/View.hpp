@@ -27,7 +27,10 @@ public:
   [[nodiscard]] NSSize fittingSize() const { return send<"fittingSize", NSSize>(*this); }
   void layoutSubtreeIfNeeded() const { send<"layoutSubtreeIfNeeded">(*this); }
 
-  void addSubview(const NSView& view) const { send<"addSubview:">(*this, view); }
+  // What could not be made is not added: the platform takes no nothing.
+  void addSubview(const NSView& view) const {
+    if (view) send<"addSubview:">(*this, view);
+  }
   void removeFromSuperview() const { send<"removeFromSuperview">(*this); }
 
   void setWantsLayer(BOOL wants) const { send<"setWantsLayer:">(*this, wants); }
@@ -85,7 +88,9 @@ public:
   void setOrientation(NSInteger orientation) const { send<"setOrientation:">(*this, orientation); }
   void setAlignment(NSInteger attribute) const { send<"setAlignment:">(*this, attribute); }
   void setSpacing(CGFloat spacing) const { send<"setSpacing:">(*this, spacing); }
-  void addArrangedSubview(const NSView& view) const { send<"addArrangedSubview:">(*this, view); }
+  void addArrangedSubview(const NSView& view) const {
+    if (view) send<"addArrangedSubview:">(*this, view);
+  }
   /// The view stays a subview.
   void removeArrangedSubview(const NSView& view) const { send<"removeArrangedSubview:">(*this, view); }
   /// Of this moment; later changes of the stack do not show in it.

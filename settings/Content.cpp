@@ -90,6 +90,7 @@ void MappingsWindowController::setupContent() {
 
   settingsScrollView = makeScrollView();
   settingsDocumentView = FlippedView::make();
+  if (!settingsDocumentView) return;
   settingsDocumentView.setTranslatesAutoresizingMaskIntoConstraints(NO);
   settingsDocumentView.setAutoresizingMask(NSViewWidthSizable);
   settingsScrollView.setDocumentView(settingsDocumentView);

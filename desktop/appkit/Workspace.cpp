@@ -10,7 +10,9 @@ namespace {
 
 struct Workspace : Object {
   static RunningApplication* frontmostApplication() {
+    static const std::string call = "NSWorkspace frontmostApplication"; // made once: each key asks
     ++Queries::current().frontmost;
+    if (fails(call)) return nullptr;
     return Applications::current().frontmost.get();
   }
   static BOOL openURL(URL* url) {
@@ -32,6 +34,8 @@ Ref<Array> runningApplicationsWithBundleIdentifier(String* identifier) {
 }
 
 Ref<String> bundleIdentifier(RunningApplication& application) {
+  static const std::string call = "NSRunningApplication bundleIdentifier";
+  if (fails(call)) return nullptr;
   const Ref<String>& own = application.identifier;
   return !own || Applications::current().lendIdentifiers ? own : string(own->text);
 }

@@ -65,6 +65,7 @@ AXError copyValue(const AccessibilityElement* element, const std::string& attrib
   if (!asksFocus && !asksRole) return kAXErrorAttributeUnsupported;
   ++(asksFocus ? Queries::current().focusedElement : Queries::current().role);
   if (!accessibility.trusted) return kAXErrorAPIDisabled;
+  if (fails("AXUIElementCopyAttributeValue")) return kAXErrorCannotComplete;
   if (asksRole) {
     return answer(
         accessibility.roleAnswer, [&] { return string(*element->role); }, value);
@@ -92,7 +93,7 @@ extern "C" {
 const CFStringRef kAXTrustedCheckOptionPrompt = constantString(u"AXTrustedCheckOptionPrompt");
 
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
-  const bool trusted = Accessibility::current().trusted;
+  const bool trusted = Accessibility::current().trusted && !fails("AXIsProcessTrustedWithOptions");
   const auto* entries = objectBehind<Dictionary>(options);
   const auto* key = objectBehind<String>(kAXTrustedCheckOptionPrompt);
   const auto found = entries->entries.find(key->text);

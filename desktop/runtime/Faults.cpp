@@ -3,6 +3,7 @@
 namespace desktop {
 
 bool Faults::strikes(const std::string& call) {
+  if (failing.empty() && failingOfAll < 0) return false; // keys pass here, and nobody counts them
   if (++madeOfAll == failingOfAll) {
     failedOfAll = call;
     return true;

@@ -15,7 +15,7 @@ class Faults : public Part<Faults> {
 public:
   static constexpr long every = 0;
 
-  /// Makes the `nth` of these calls fail, counted from 1 and from the desktop's beginning.
+  /// Makes the `nth` of these calls fail, counted from 1 and from when something was first to fail.
   void fail(const std::string& call, long nth = every) { failing[call] = nth; }
   /// Makes the `nth` of all calls that can fail do so, whichever it is.
   void failAny(long nth) { failingOfAll = nth; }

@@ -69,6 +69,7 @@ void deallocate(Object* object) {
 }
 
 id alloc(id self, SEL) {
+  if (fails(reinterpret_cast<Class>(self)->name + " alloc")) return nullptr;
   return allocate(reinterpret_cast<Class>(self));
 }
 id initialise(id self, SEL) {
