@@ -69,7 +69,7 @@ void play(Bytes input) {
   EXPECT_EQ(tarnwick::isConfiguredForUpdates(bundle), updates);
   const bool hasUpdater = (unusual & (NoFramework | ContentsIsFile)) == 0 &&
                           code.find("SPUStandardUpdaterController") != std::string_view::npos;
-  if (hasUpdater) EXPECT_TRUE(tarnwick::startUpdater(bundle));
+  EXPECT_TRUE(!hasUpdater || tarnwick::startUpdater(bundle));
   machine.mainBundle->open(path);
   EXPECT_EQ(Image::applicationIcon()->bytes, (unusual & (NoIcon | ContentsIsFile)) != 0 ? "" : icon);
 }
