@@ -42,8 +42,8 @@ std::string offer(std::string_view wanted, const std::string& where, const Names
 
 Names applications(const Desktop& desktop) {
   Names names;
-  for (const auto& application : desktop.applications.running)
-    names.push_back(application->name);
+  for (const auto& [name, application] : desktop.applications.running)
+    names.push_back(name);
   return names;
 }
 

@@ -120,7 +120,7 @@ private:
     auto& applications = machine.applications;
     const auto application = [&]() -> Ref<RunningApplication> {
       const std::size_t chosen = input.byte() % (applications.running.size() + 1);
-      return chosen < applications.running.size() ? applications.running[chosen] : nullptr;
+      return chosen < applications.running.size() ? std::next(applications.running.begin(), chosen)->second : nullptr;
     };
     switch (what) {
     case OtherEvent:

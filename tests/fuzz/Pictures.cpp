@@ -1,5 +1,5 @@
 /// Pictures: of any image file a part that is one, and drawings that no text and no image breaks.
-#include "desktop/drawing/Parts.hpp"
+#include "desktop/drawing/Shapes.hpp"
 #include "desktop/foundation/Text.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 #include "tests/support/TestDesktop.hpp"

@@ -145,7 +145,7 @@ TEST_F(CommandTest, AnswersAtThePrompt) {
       {"press b\x02shift+", "Editor receives Shift+B pressed\n"}, // in front of the b
       {"menu Settings...", "nothing to act on\n    did you mean Settings…? the menu has: \"Enable Tarnwick\", Set"},
       {"menu \"Check for Updates...\"", "    \"Check for Updates...\" is grey\n"},
-      {"front finder", "did you mean Finder? there run: Finder, Editor, Tarnwick\n"},
+      {"front finder", "did you mean Finder? there run: Editor, Finder, Tarnwick\n"},
       {"front Finder", "    Finder is in front\n"},
       {"click Bold", "neither an alert nor a window is open\n"},
       {"menu Settings…", "    window \"Tarnwick Settings\""},
