@@ -3,6 +3,7 @@
 #include "desktop/foundation/Foundation.hpp"
 #include "desktop/foundation/PropertyListFile.hpp"
 #include "desktop/runtime/Faults.hpp"
+#include "desktop/runtime/Printing.hpp"
 
 #include <cstdio>
 
@@ -43,7 +44,7 @@ PropertyList readInformation(const std::filesystem::path& file) {
   try {
     return readDictionary(file).value_or(PropertyList::Dictionary());
   } catch (const FileFault& fault) {
-    std::fprintf(stderr, "%s: %s\n", file.c_str(), fault.what.c_str());
+    complain(file.string() + ": " + fault.what);
     return PropertyList::Dictionary();
   }
 }

@@ -1,5 +1,7 @@
 #include "desktop/foundation/PropertyListFile.hpp"
 
+#include "desktop/runtime/Printing.hpp"
+
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -18,7 +20,7 @@ namespace {
 }
 
 void report(const std::filesystem::path& path, const std::string& sentence) {
-  std::fprintf(stderr, "%s: %s\n", path.c_str(), sentence.c_str());
+  complain(path.string() + ": " + sentence);
 }
 
 class Descriptor {

@@ -1,5 +1,7 @@
 #include "desktop/runtime/Runtime.hpp"
 
+#include "desktop/runtime/Printing.hpp"
+
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -98,7 +100,7 @@ Class livingClass(const objc_object* object) {
 
 void stop(const std::string& sentence) {
   std::fflush(stdout);
-  std::fprintf(stderr, "tarnwick: %s\n", sentence.c_str());
+  complain("tarnwick: " + sentence);
   std::abort();
 }
 

@@ -69,7 +69,7 @@ std::optional<Command> Prompt::next() {
     }
     auto read = grammar.read(*line);
     if (const auto* mistake = std::get_if<Mistake>(&read))
-      std::fprintf(stderr, "%s\n", complaint(mistake->what, *line).c_str());
+      complain(complaint(mistake->what, *line));
     if (auto* command = std::get_if<Command>(&read)) {
       unanswered = *command;
       return std::move(*command);

@@ -1,9 +1,9 @@
 #include "desktop/session/Session.hpp"
 
+#include "desktop/runtime/Printing.hpp"
 #include "desktop/session/WindowCommands.hpp"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <fstream>
 
@@ -243,7 +243,7 @@ bool Session::draw(const std::string& file) const {
   stream << picture;
   stream.close();
   if (stream) return true;
-  std::fprintf(stderr, "tarnwick: the picture %s cannot be written: %s\n", file.c_str(), std::strerror(errno));
+  complain("tarnwick: the picture " + file + " cannot be written: " + std::strerror(errno));
   return false;
 }
 

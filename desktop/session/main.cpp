@@ -67,7 +67,7 @@ std::optional<std::string> wrongFile(const Words& words) {
 }
 
 int fail(const std::string& sentence) {
-  std::fprintf(stderr, "%s\n", sentence.c_str());
+  complain(sentence);
   return mistakeStatus;
 }
 
@@ -91,7 +91,7 @@ void say(const std::string& line) {
 }
 
 void sayIndented(const std::string& sentence) {
-  say("    " + sentence);
+  say(printable("    " + sentence));
 }
 
 /// A desktop as the options want it, of which standard output tells.
@@ -105,7 +105,7 @@ struct Stage {
     if (words.has(defaultsOption))
       desktop.defaults->file = std::make_unique<PropertyListFile>(given.at(defaultsOption.name));
     desktop.journal.reader = [traces = words.has(traceOption)](const JournalEntry& entry) {
-      say(traces ? traceLine(entry) : sentenceFor(entry));
+      say(traces ? traceLine(entry) : printable(sentenceFor(entry)));
     };
     if (!words.has(traceOption)) desktop.journal.remark = sayIndented;
   }
@@ -118,8 +118,8 @@ struct Stage {
 void announce(const Command& command) {
   if (!command.headings.empty()) say("");
   for (const std::string& heading : command.headings)
-    say("# " + heading);
-  say(command.text);
+    say(printable("# " + heading));
+  say(printable(command.text));
 }
 
 /// Both answer how it went, as an exit status.

@@ -179,6 +179,31 @@ TEST_F(CommandTest, KeepsTheTraceFreeOfAnswers) {
   EXPECT_EQ(terminal.status(), 0);
 }
 
+TEST_F(CommandTest, PrintsNothingThatCommandsATerminal) {
+  const std::string orders = "\x1b[2J\x9b"
+                             "2J\r";
+  writeFile(folder.path / "list\x1b[2J", "<plist><dict>" + std::string(3000000, '\x1b') + orders + "</dict></plist>");
+  writeFile(folder.path / "bad.txt", "jump \"" + orders + "\"\n");
+  const struct {
+    std::string arguments;
+    std::string input;
+  } runs[] = {{"--defaults 'list\x1b[2J'", "launch # " + orders + "\napp \"" + std::string(5000, 'n') + "\x1b\"\n"},
+              {"--trace", "app " + orders + "a\nfront " + orders + "a\npress a\n"},
+              {"bad.txt", ""},
+              {"'missing\x1b[2J'", ""},
+              {"--'\x1b[2J'", ""},
+              {"--bundle '\x1b[2J'", ""},
+              {"", "draw 'no\x1bwhere/a.svg'\n"}};
+  for (const auto& [arguments, input] : runs) {
+    const CommandRun told = run(arguments, input);
+    for (const std::string& text : {told.output, told.complaints}) {
+      EXPECT_EQ(text.find_first_of("\x1b\x9b\r"), std::string::npos) << arguments;
+      EXPECT_LT(text.size(), 20000U) << arguments;
+    }
+    EXPECT_NE(told.output + told.complaints, "") << arguments;
+  }
+}
+
 TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
   const CommandRun bare = run("--trace --bundle .", "down ctrl+c");
   EXPECT_EQ(bare.output, "status\tTarnwick\n" + keyLine("key\tEditor\tdown", "cmd+c") + "terminate\n");
