@@ -1,5 +1,6 @@
 #include "desktop/session/Prompt.hpp"
 
+#include "desktop/runtime/Printing.hpp"
 #include "desktop/session/Advice.hpp"
 #include "desktop/session/Help.hpp"
 #include "desktop/session/Patterns.hpp"
@@ -68,8 +69,7 @@ std::optional<Command> Prompt::next() {
       continue;
     }
     auto read = grammar.read(*line);
-    if (const auto* mistake = std::get_if<Mistake>(&read))
-      complain(complaint(mistake->what, *line));
+    if (const auto* mistake = std::get_if<Mistake>(&read)) complain(complaint(mistake->what, *line));
     if (auto* command = std::get_if<Command>(&read)) {
       unanswered = *command;
       return std::move(*command);
