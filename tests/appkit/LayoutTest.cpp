@@ -1,6 +1,7 @@
 #include "desktop/appkit/Layout.hpp"
 
 #include "platform/Control.hpp"
+#include "platform/RuntimeClass.hpp"
 #include "tests/support/TestDesktop.hpp"
 
 #include <array>
@@ -76,6 +77,63 @@ TEST_F(Layout, RemovingAnArrangedViewTakesTwoSteps) {
   for (const mac::NSView& view : views)
     view.removeFromSuperview();
   EXPECT_EQ(list.arrangedSubviews().count(), 0U) << "what is no subview is not arranged either";
+}
+
+TEST_F(Layout, FollowsWhateverChanges) {
+  const auto column = mac::NSStackView::make();
+  column.setOrientation(mac::NSUserInterfaceLayoutOrientationVertical);
+  const auto row = mac::NSStackView::make();
+  const auto label = mac::NSTextField::labelWithString("label");
+  const auto button = mac::NSButton::buttonWithTitle("button", nullptr, nullptr);
+  const auto box = untranslated();
+  for (const mac::NSView& view : {mac::NSView(label), mac::NSView(button), mac::NSView(box)})
+    row.addArrangedSubview(view);
+  column.addArrangedSubview(row);
+  const auto wanted = [&] {
+    layOutAt(column, 500, 500);
+    const CGSize size = column.fittingSize();
+    return std::array{size.width,         size.height,        placeOf(button)[0],
+                      placeOf(button)[1], placeOf(button)[2], placeOf(box)[0]};
+  };
+  const std::function<void()> changes[] = {
+      [&] { label.setFont(mac::NSFont::boldSystemFontOfSize(20)); },
+      [&] { button.setTitle("longer button"); },
+      [&] { button.setBezelStyle(mac::NSBezelStyleInline); },
+      [&] { row.setSpacing(30); },
+      [&] { activate({box.widthAnchor().constraintEqualToConstant(50)}); },
+      [&] { row.addArrangedSubview(mac::NSTextField::labelWithString("another")); },
+      [&] { row.setOrientation(mac::NSUserInterfaceLayoutOrientationVertical); },
+      [&] { row.setAlignment(mac::NSLayoutAttributeLeading); },
+      [&] { label.removeFromSuperview(); },
+  };
+  for (auto before = wanted(); const auto& change : changes) {
+    change();
+    const auto after = wanted();
+    EXPECT_NE(after, before) << "change " << &change - changes;
+    before = after;
+  }
+  const auto before = wanted();
+  button.setFrame({{1, 2}, {3, 4}});
+  EXPECT_EQ(wanted(), before) << "a stack puts back what was moved";
+}
+
+long timesMeasured = 0;
+mac::NSSize countedSize(id) {
+  ++timesMeasured;
+  return {10, 10};
+}
+
+TEST_F(Layout, MeasuresEachRowOnceHoweverManyThereAre) {
+  mac::RuntimeClass<void, "TestCountedView", "NSView">().method<"intrinsicContentSize", &countedSize>().registered();
+  constexpr long rows = 50000;
+  const auto list = mac::NSStackView::make();
+  list.setOrientation(mac::NSUserInterfaceLayoutOrientationVertical);
+  for (long row = 0; row < rows; ++row)
+    list.addArrangedSubview(mac::make<"TestCountedView", "init", mac::NSView>());
+  for (const double width : {100, 200, 300})
+    layOutAt(list, width, 100);
+  EXPECT_EQ(list.fittingSize().width, 10);
+  EXPECT_EQ(timesMeasured, 2 * rows) << "along each axis";
 }
 
 TEST(ConstraintSolver, TheContainerIsAsLongAsItsMostDemandingBoxNeeds) {

@@ -1,7 +1,9 @@
 #include "tests/support/Command.hpp"
 
 #include <algorithm>
+#include <cstdlib>
 #include <regex>
+#include <sys/resource.h>
 
 namespace desktop {
 namespace {
@@ -202,6 +204,25 @@ TEST_F(CommandTest, PrintsNothingThatCommandsATerminal) {
     }
     EXPECT_NE(told.output + told.complaints, "") << arguments;
   }
+}
+
+/// The most memory that any command of this process has needed so far.
+long peakOfCommands() {
+  struct rusage usage {};
+  EXPECT_EQ(::getrusage(RUSAGE_CHILDREN, &usage), 0);
+  return usage.ru_maxrss;
+}
+
+TEST_F(CommandTest, NeedsNoMoreMemoryForMoreKeys) {
+  ::setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 0); // or else the sanitizer keeps what is freed
+  const auto typing = [](int times) {
+    const std::string count = std::to_string(times);
+    return "press ctrl+c " + count + "\nfront Finder\npress f2 " + count + "\npress a " + count + "\n";
+  };
+  run("--trace", typing(5000));
+  const long few = peakOfCommands();
+  run("--trace", typing(50000));
+  EXPECT_LT(peakOfCommands(), few + few / 10);
 }
 
 TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
