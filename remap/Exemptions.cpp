@@ -2,7 +2,6 @@
 #include "remap/KeyRemapper.hpp"
 
 #include <algorithm>
-#include <tuple>
 
 namespace tarnwick {
 
@@ -31,12 +30,15 @@ std::u16string ranked(const NSString& text) {
 /// By code point after canonical composition; texts that compose to the same, by their own code points.
 struct SortKey {
   std::u16string composed;
-  std::u16string own;
-  NSString text;
+  /// The text's place in the set, which keeps it: moving a key while sorting counts no references.
+  const NSString* text;
 
   explicit SortKey(const NSString& source)
-      : composed(ranked(source.precomposedStringWithCanonicalMapping())), own(ranked(source)), text(source) {}
-  bool operator<(const SortKey& other) const { return std::tie(composed, own) < std::tie(other.composed, other.own); }
+      : composed(ranked(source.precomposedStringWithCanonicalMapping())), text(&source) {}
+  bool operator<(const SortKey& other) const {
+    const int order = composed.compare(other.composed);
+    return order != 0 ? order < 0 : ranked(*text) < ranked(*other.text);
+  }
 };
 
 } // namespace
@@ -74,7 +76,7 @@ std::vector<NSString> KeyRemapper::allExemptBundleIDs() const {
   std::vector<NSString> sorted;
   sorted.reserve(keys.size());
   for (const SortKey& key : keys)
-    sorted.push_back(key.text);
+    sorted.push_back(*key.text);
   return sorted;
 }
 
