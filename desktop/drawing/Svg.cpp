@@ -42,8 +42,16 @@ std::string svgNumber(double number) {
 
 std::string dataAttribute(const char* name, std::u16string_view value) {
   std::string quoted;
-  for (const char byte : xmlScalars::escapedText(value))
-    byte == '"' ? quoted += "&quot;" : quoted += byte;
+  for (const char byte : xmlScalars::escapedText(value)) {
+    // Readers of XML take a tab or line break in an attribute for a blank, unless it is spelt by its number.
+    if (byte == '"') {
+      quoted += "&quot;";
+    } else if (byte == '\t' || byte == '\n' || byte == '\r') {
+      quoted += "&#" + std::to_string(byte) + ';';
+    } else {
+      quoted += byte;
+    }
+  }
   return " data-" + std::string(name) + "=\"" + quoted + '"';
 }
 
