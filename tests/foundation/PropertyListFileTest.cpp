@@ -41,10 +41,10 @@ protected:
 TEST_F(PropertyListFileTest, ChangesOutliveTheObjectInAFormThatHoldsThem) {
   const PropertyList odd = std::u16string(u"\0\xD800", 2); // not for XML
   for (const auto& [value, beginning] : {std::pair(PropertyList(u"value"), "<?xml"), std::pair(odd, "bplist00")}) {
-    EXPECT_EQ(complaint([&] {
+    EXPECT_EQ(complaint([&, &kept = value] {
                 PropertyListFile file(path);
                 file.set(u"key", 1);
-                file.set(u"key", value);
+                file.set(u"key", kept);
               }),
               "");
     EXPECT_TRUE(contentsOf(path).starts_with(beginning)) << contentsOf(path);

@@ -83,6 +83,7 @@ private:
 
   // What the table needs to know, as the desktop is by now.
   Situation situation{"", false, false, {}};
+  bool focusAnswers = false;
   std::u16string frontmost;
   std::set<std::u16string> exempt;
   bool isPending = false;
@@ -112,6 +113,7 @@ private:
     if (!remapper->enabled) return {false, typed.code, typed.flags, {}, 0, 0, 0};
     Fate fate = expected(typed, situation);
     if (frontmost.empty()) fate.ownIdentifier = 0;
+    if (!focusAnswers) fate.role = 0;
     if (frontmost != u"app.tarnwick.Tarnwick" && !exempt.contains(frontmost)) return fate;
     return {false, typed.code, typed.flags, {fate.calls[0], fate.calls[1]}, 1, 1, 0};
   }
@@ -176,8 +178,9 @@ private:
     const auto isProper = [](AccessibilityAnswer answer) { return answer == AccessibilityAnswer::Proper; };
     frontmost = front && front->identifier ? front->identifier->text : u"";
     situation.finder = frontmost == u"com.apple.finder";
-    situation.text = machine.accessibility.trusted && isProper(machine.accessibility.focusAnswer) &&
-                     isProper(machine.accessibility.roleAnswer) && focused && focused->role &&
+    focusAnswers =
+        machine.accessibility.trusted && isProper(machine.accessibility.focusAnswer) && focused && focused->role;
+    situation.text = focusAnswers && isProper(machine.accessibility.roleAnswer) &&
                      std::ranges::find(roles, *focused->role) < std::begin(roles) + 3;
     situation.off.clear();
     for (const auto& [checkbox, gate] : switches) {
