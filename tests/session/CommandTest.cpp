@@ -11,6 +11,7 @@ namespace {
 namespace fs = std::filesystem;
 
 const fs::path sessions = fs::path(TARNWICK_SOURCE_DIR) / "tests" / "sessions";
+const fs::path transcripts = fs::path(TARNWICK_SOURCE_DIR) / "tests" / "transcripts";
 
 /// What the first line of a session asks the command for: `# options: --defaults FILE`.
 std::string optionsOf(const std::string& session) {
@@ -19,9 +20,9 @@ std::string optionsOf(const std::string& session) {
   return session.substr(marker.size(), session.find('\n') - marker.size());
 }
 
-std::vector<std::string> sessionNames() {
+std::vector<std::string> namesIn(const fs::path& folder) {
   std::vector<std::string> names;
-  for (const auto& entry : fs::directory_iterator(sessions)) {
+  for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() == ".txt") names.push_back(entry.path().stem().string());
   }
   std::sort(names.begin(), names.end());
@@ -42,7 +43,20 @@ TEST_P(Sessions, LeaveTheirTrace) {
   EXPECT_EQ(traced.status, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Sessions, testing::ValuesIn(sessionNames()),
+INSTANTIATE_TEST_SUITE_P(Files, Sessions, testing::ValuesIn(namesIn(sessions)),
+                         [](const auto& name) { return name.param; });
+
+/// What the command prints for whoever runs it: arguments, mistakes, files that are of no use.
+class Transcripts : public testing::TestWithParam<std::string> {};
+
+TEST_P(Transcripts, AreWhatTheShellShows) {
+  const TemporaryFolder folder;
+  fs::copy(sessions, folder.path, fs::copy_options::recursive);
+  const fs::path transcript = transcripts / (GetParam() + ".txt");
+  EXPECT_EQ(transcribed(folder.path, transcript), contentsOf(transcript));
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Transcripts, testing::ValuesIn(namesIn(transcripts)),
                          [](const auto& name) { return name.param; });
 
 class CommandTest : public testing::Test {
@@ -53,77 +67,6 @@ protected:
     return runCommand(folder.path, arguments, input);
   }
 };
-
-TEST_F(CommandTest, TellsPeopleWhatHappened) {
-  const std::string session = "# Keys,\n# and who gets them\n\nlaunch\npress ctrl+c\nfront none\ndown win+l # "
-                              "locks\nmenu Nothing\nshow defaults\n"
-                              "front Finder\ndown cmd+delete\npress f2\ndown return\nquit\n";
-  const CommandRun told = run("", session);
-  EXPECT_EQ(told.output, "\n# Keys,\n# and who gets them\n"
-                         "launch\n"
-                         "    the status bar shows Tarnwick's image\n"
-                         "press ctrl+c\n"
-                         "    Editor receives Cmd+C pressed\n"
-                         "    Editor receives Cmd+C released\n"
-                         "front none\n"
-                         "down win+l # locks\n"
-                         "    nobody receives Cmd+Ctrl+Q pressed\n"
-                         "menu Nothing\n"
-                         "    nothing to act on\n"
-                         "show defaults\n"
-                         "    exemptBundleIDs holds nothing\n"
-                         "front Finder\n"
-                         "down cmd+delete\n"
-                         "    Finder receives Cmd+Delete pressed\n"
-                         "    the Finder moves the selection to the Bin\n"
-                         "press f2\n"
-                         "    Finder receives Return pressed\n"
-                         "    the Finder lets the selection's name be edited\n"
-                         "    Finder receives Return released\n"
-                         "down return\n"
-                         "    Finder receives Return pressed\n"
-                         "    the Finder ends the editing of the name\n"
-                         "quit\n"
-                         "    Tarnwick has quit\n");
-  EXPECT_EQ(told.status, 0);
-  const CommandRun strange = run("", "app \"E\\x1b[31m\\n\"\nfront \"E\\x1b[31m\\n\"\ndown a");
-  EXPECT_NE(strange.output.find("    E\\x1b[31m\\n receives A pressed\n"), std::string::npos) << strange.output;
-}
-
-TEST_F(CommandTest, RunsNothingOfASessionWithAMistake) {
-  const std::string session = "trust no # and nothing of this may run\nlaunch\njump\nlaunch\n";
-  writeFile(folder.path / "bad.txt", session);
-  for (const auto& [refused, name] : {std::pair{run("--trace bad.txt"), "bad.txt"}, std::pair{run("", session), "-"}}) {
-    EXPECT_EQ(refused.status, 2);
-    EXPECT_EQ(refused.output, "");
-    EXPECT_EQ(refused.complaints, name + std::string(":3: unknown command \"jump\"\n"));
-  }
-}
-
-TEST_F(CommandTest, RefusesWhatItCannotReadOrDoesNotKnow) {
-  writeFile(folder.path / "good.txt", "press ctrl+c\n");
-  const struct {
-    const char* arguments;
-    const char* complaint;
-  } mistakes[] = {
-      {"missing.txt", "missing.txt: cannot be read: No such file or directory\n"},
-      {".", ".: cannot be read: Is a directory\n"},
-      {"--loud good.txt", "tarnwick: unknown option --loud; --help lists all there are\n"},
-      {"good.txt good.txt", "tarnwick: more than one session: good.txt\n"},
-      {"good.txt --defaults", "tarnwick: the option --defaults wants a name after it\n"},
-      {"--defaults '' good.txt", "tarnwick: the option --defaults wants a name after it\n"},
-      {"--defaults . good.txt", ".: is a folder\n"},
-      {"--defaults nowhere/new.plist good.txt", "nowhere/new.plist: there is no such folder\n"},
-      {"--bundle nowhere good.txt", "nowhere: is not a folder\n"},
-      {"--bundle good.txt good.txt", "good.txt: is not a folder\n"},
-  };
-  for (const auto& [arguments, complaint] : mistakes) {
-    const CommandRun refused = run(arguments);
-    EXPECT_EQ(refused.status, 2) << arguments;
-    EXPECT_EQ(refused.output, "") << arguments;
-    EXPECT_EQ(refused.complaints, complaint);
-  }
-}
 
 TEST_F(CommandTest, TellsOfItself) {
   const std::string build = contentsOf(fs::path(TARNWICK_SOURCE_DIR) / "CMakeLists.txt");
@@ -181,31 +124,6 @@ TEST_F(CommandTest, KeepsTheTraceFreeOfAnswers) {
   EXPECT_EQ(terminal.status(), 0);
 }
 
-TEST_F(CommandTest, PrintsNothingThatCommandsATerminal) {
-  const std::string orders = "\x1b[2J\x9b"
-                             "2J\r";
-  writeFile(folder.path / "list\x1b[2J", "<plist><dict>" + std::string(3000000, '\x1b') + orders + "</dict></plist>");
-  writeFile(folder.path / "bad.txt", "jump \"" + orders + "\"\n");
-  const struct {
-    std::string arguments;
-    std::string input;
-  } runs[] = {{"--defaults 'list\x1b[2J'", "launch # " + orders + "\napp \"" + std::string(5000, 'n') + "\x1b\"\n"},
-              {"--trace", "app " + orders + "a\nfront " + orders + "a\npress a\n"},
-              {"bad.txt", ""},
-              {"'missing\x1b[2J'", ""},
-              {"--'\x1b[2J'", ""},
-              {"--bundle '\x1b[2J'", ""},
-              {"", "draw 'no\x1bwhere/a.svg'\n"}};
-  for (const auto& [arguments, input] : runs) {
-    const CommandRun told = run(arguments, input);
-    for (const std::string& text : {told.output, told.complaints}) {
-      EXPECT_EQ(text.find_first_of("\x1b\x9b\r"), std::string::npos) << arguments;
-      EXPECT_LT(text.size(), 20000U) << arguments;
-    }
-    EXPECT_NE(told.output + told.complaints, "") << arguments;
-  }
-}
-
 /// The most memory that any command of this process has needed so far.
 long peakOfCommands() {
   struct rusage usage {};
@@ -223,69 +141,6 @@ TEST_F(CommandTest, NeedsNoMoreMemoryForMoreKeys) {
   const long few = peakOfCommands();
   run("--trace", typing(50000));
   EXPECT_LT(peakOfCommands(), few + few / 10);
-}
-
-TEST_F(CommandTest, GoesOnWithNothingInItsBundle) {
-  const CommandRun bare = run("--trace --bundle .", "down ctrl+c");
-  EXPECT_EQ(bare.output, "status\tTarnwick\n" + keyLine("key\tEditor\tdown", "cmd+c") + "terminate\n");
-  EXPECT_EQ(bare.status, 0);
-
-  fs::create_directory(folder.path / "Contents");
-  writeFile(folder.path / "Contents/Info.plist", "<plist><dict>");
-  const CommandRun damaged = run("--trace --bundle .", "down ctrl+c");
-  EXPECT_EQ(damaged.output, bare.output);
-  EXPECT_EQ(damaged.complaints.rfind("./Contents/Info.plist: cannot be understood, line 1: ", 0), 0U)
-      << damaged.complaints;
-
-  fs::remove(folder.path / "Contents/Info.plist");
-  fs::create_symlink("/proc/self/mem", folder.path / "Contents/Info.plist");
-  const CommandRun unreadable = run("--trace --bundle .", "down ctrl+c");
-  EXPECT_EQ(unreadable.output, bare.output);
-  EXPECT_EQ(unreadable.complaints, "./Contents/Info.plist: cannot be read: Input/output error\n");
-}
-
-// As a command of its own: a class that has been loaded once stays for the whole process.
-TEST_F(CommandTest, GoesOnWithAnUpdateFrameworkThatLacksItsClass) {
-  fs::create_directories(folder.path / "Contents" / "Frameworks" / "Sparkle.framework");
-  writeFile(folder.path / "Contents/Frameworks/Sparkle.framework/Sparkle", "other code");
-  writeFile(folder.path / "Contents/Info.plist",
-            writeXml(PropertyList::Dictionary{{u"SUFeedURL", u"https://updates.example"}, {u"SUPublicEDKey", u"key"}}));
-  const CommandRun bare = run("--trace --bundle .", "menu \"Check for Updates...\"");
-  EXPECT_EQ(bare.output, "status\tTarnwick\nlost\tmenu \"Check for Updates...\"\nterminate\n");
-  EXPECT_EQ(bare.complaints, "");
-}
-
-TEST_F(CommandTest, KeepsDefaultsThatItCannotRead) {
-  const std::string broken = "<plist><dict><key>exemptBundleIDs";
-  writeFile(folder.path / "broken.plist", broken);
-  const CommandRun first = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
-  EXPECT_EQ(first.output,
-            "status\timage\n" + keyLine("key\tEditor\tdown", "cmd+c") + "default\texemptBundleIDs\t-\nterminate\n");
-  EXPECT_EQ(first.status, 0);
-  EXPECT_NE(first.complaints.find("broken.plist"), std::string::npos) << first.complaints;
-  EXPECT_EQ(contentsOf(folder.path / "broken.plist"), broken);
-
-  // Something is saved: an application chosen in the settings window.
-  fs::create_directories(folder.path / "Chosen.app" / "Contents");
-  writeFile(folder.path / "Chosen.app/Contents/Info.plist",
-            writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", u"com.example.editor"}}));
-  const std::string choosing = "menu Settings…\nclick \"Choose App…\"\nchoose Chosen.app";
-  EXPECT_EQ(run("--defaults broken.plist", choosing).status, 0);
-  EXPECT_EQ(contentsOf(folder.path / "broken.plist.broken"), broken);
-  const CommandRun next = run("--trace --defaults broken.plist", "down ctrl+c\nshow defaults");
-  EXPECT_EQ(next.output, "status\timage\n" + keyLine("key\tEditor\tdown", "ctrl+c") +
-                             "default\texemptBundleIDs\tcom.example.editor\nterminate\n");
-  EXPECT_EQ(next.complaints, "");
-
-  const CommandRun unsaved = run("--defaults /dev/null", choosing);
-  EXPECT_EQ(unsaved.status, 1);
-  EXPECT_TRUE(unsaved.complaints.ends_with("/dev/null: cannot be saved: it is not a regular file\n"));
-}
-
-TEST_F(CommandTest, MakesNoDefaultsFileWithoutNeed) {
-  const CommandRun fresh = run("--trace --defaults new.plist", "press ctrl+c\nmenu \"Disable Tarnwick\"");
-  EXPECT_EQ(fresh.complaints, "");
-  EXPECT_FALSE(fs::exists(folder.path / "new.plist"));
 }
 
 } // namespace

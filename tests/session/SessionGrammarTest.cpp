@@ -7,6 +7,8 @@ using namespace std::string_literals;
 
 namespace {
 
+// What it answers to each mistake, the transcript of mistakes shows.
+
 /// What is wrong with a session or a line of one.
 std::string mistakeIn(const auto& read) {
   const auto* mistake = std::get_if<Mistake>(&read);
@@ -37,42 +39,6 @@ TEST(SessionGrammar, SplitsWordsByTheirFirstCharacter) {
     EXPECT_TRUE(commands[0].text == line) << line.substr(0, 40);
   }
   EXPECT_TRUE(commandsOf("").empty() && commandsOf("\r\n \t\r\n# only\n  #comments").empty());
-}
-
-TEST(SessionGrammar, TellsTheFirstMistakeAndItsLine) {
-  const std::string number = "expected a number from 0 to ";
-  const std::string ordinal = "expected a whole number of 1 or more, in 64 bits, not ";
-  const std::string measure = "expected a finite number of 0 or more, not ";
-  const std::string huge(400, '9');
-  const std::pair<std::string, std::string> rows[] = {
-      {"Quit", "unknown command \"Quit\""},
-      {"a\0\x1b"s, "unknown command \"a\\x00\\x1b\""},
-      {std::string(59, 'x') + "…" + std::string(100'000, 'y'), "unknown command \"" + std::string(59, 'x') + "...\""},
-      {"draw \"\"", "expected the name of a file, not \"\""},
-      {"draw \"a\\x00b.svg\"", "expected the name of a file, not \"a\\x00b.svg\""},
-      {"show yes", "expected menu|window|alert|defaults, not \"yes\""},
-      {"menu #Settings", "missing TITLE: menu TITLE"},
-      {"screen 5", "missing H: screen W H"},
-      {"screen none 1", "extra argument \"1\": screen none"},
-      {"raw down 0x10000 0", number + "0xffff, not \"0x10000\""},
-      {"raw down -1 0", number + "0xffff, not \"-1\""},
-      {"raw down 0x-1 0", number + "0xffff, not \"0x-1\""},
-      {"raw up 1 0x10000000000000000", number + "0xffffffffffffffff, not \"0x10000000000000000\""},
-      {"press a 0", ordinal + "\"0\""},
-      {"click OK 0", ordinal + "\"0\""},
-      {"wait -0", measure + "\"-0\""},
-      {"wait 1e3", measure + "\"1e3\""},
-      {"wait \"\"", measure + "\"\""},
-      {"wait " + huge, measure + '"' + huge.substr(0, 60) + "...\""},
-      {"menu \"a", "unterminated quote"},
-      {"menu \"a\\", "unknown escape \"\\\\\""},
-      {"menu \"\\x1", "\\x needs two hex digits"},
-      {"menu \"a\"b", "text right after a closing quote"},
-  };
-  for (const auto& [line, what] : rows)
-    for (const char* rest : {"", "\r\n", "\nunknown"})
-      EXPECT_EQ(mistakeIn(readSession("s", "app Mail\r\n \t# comment\n\"cancel\" # launches\n" + line + rest)),
-                "s:4: " + what);
 }
 
 TEST(SessionGrammar, RemembersOnlyWhatItAccepted) {

@@ -17,6 +17,15 @@ CommandRun runCommand(const std::filesystem::path& folder, const std::string& ar
   return {WIFEXITED(ended) ? WEXITSTATUS(ended) : -1, contentsOf(stream("out")), contentsOf(stream("err"))};
 }
 
+std::string transcribed(const std::filesystem::path& folder, const std::filesystem::path& transcript) {
+  const TemporaryFolder own;
+  const auto shown = own.path / "shown";
+  const std::string line = "cd '" + folder.string() + "' && '" TARNWICK_SOURCE_DIR "/tests/transcripts/play' '" +
+                           TARNWICK_COMMAND "' '" + transcript.string() + "' >" + shown.string();
+  EXPECT_EQ(std::system(line.c_str()), 0);
+  return contentsOf(shown);
+}
+
 Terminal::Terminal(const std::filesystem::path& folder, const std::vector<std::string>& words) {
   std::vector<std::string> given{TARNWICK_COMMAND};
   given.insert(given.end(), words.begin(), words.end());

@@ -15,6 +15,9 @@ struct CommandRun {
 /// Runs the command in `folder`, the words of `arguments` as a shell takes them, `input` on standard input.
 CommandRun runCommand(const std::filesystem::path& folder, const std::string& arguments, const std::string& input = "");
 
+/// What a shell in `folder` shows when the lines of the transcript that begin with "$ " are typed anew.
+std::string transcribed(const std::filesystem::path& folder, const std::filesystem::path& transcript);
+
 /// The command's prompt on a terminal of its own, in a plain language and without escapes.
 class Terminal {
 public:
