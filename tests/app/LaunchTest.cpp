@@ -7,40 +7,6 @@ namespace tarnwick {
 namespace {
 
 using namespace desktop;
-namespace fs = std::filesystem;
-
-const std::string terminate = "terminate\n";
-const std::string copied = keyLine("key\tEditor\tdown", "cmd+c");
-
-/// Ways in which a file of the bundle may be of no use.
-const std::pair<const char*, void (*)(const fs::path&)> damages[] = {
-    {"none", [](const fs::path& file) { fs::remove(file); }},
-    {"no folder", [](const fs::path& file) { fs::remove_all(file.parent_path()); }},
-    {"empty", [](const fs::path& file) { writeFile(file, ""); }},
-    {"text", [](const fs::path& file) { writeFile(file, "no"); }},
-    {"another property list", [](const fs::path& file) { writeFile(file, "<plist><array/></plist>"); }},
-    {"an identifier of another type",
-     [](const fs::path& file) {
-       writeFile(file, writeXml(PropertyList::Dictionary{{u"CFBundleIdentifier", 5}}));
-     }},
-    {"a folder", [](const fs::path& file) { fs::remove(file), fs::create_directory(file); }},
-};
-
-TEST(Launch, PutsUpWithADamagedBundle) {
-  for (const auto& [what, damage] : damages) {
-    for (const char* file : {"Resources/MenuBarTemplate.png", "Info.plist"}) {
-      TestDesktop desktop;
-      damage(desktop.bundle / "Contents" / file);
-      desktop.machine.mainBundle->open(desktop.bundle);
-      const bool isKnown = file[0] == 'R'; // by its identifier, so that keys in its own windows stay as typed
-      const std::string trace = desktop.play({"down ctrl+c\n front Tarnwick\n down ctrl+c"});
-      EXPECT_TRUE(trace.ends_with(copied + keyLine("key\tTarnwick\tdown", isKnown ? "ctrl+c" : "cmd+c") + terminate))
-          << file << ": " << what << '\n'
-          << trace;
-      EXPECT_TRUE(!isKnown || trace.starts_with("status\tTarnwick\n")) << what << '\n' << trace;
-    }
-  }
-}
 
 TEST(Launch, MakesStatusItemAndAlertAsThePlatformWantsThem) {
   TestDesktop desktop;

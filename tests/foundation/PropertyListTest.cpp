@@ -48,10 +48,6 @@ PropertyList sample() {
   };
 }
 
-std::string xml(const std::string& content) {
-  return "<?xml version=\"1.0\"?>\n<plist>" + content + "</plist>";
-}
-
 /// A binary property list of objects given as bytes, with tables of one-byte numbers. The first object is outermost.
 std::string binary(const std::vector<std::string>& objects) {
   std::string bytes = "bplist00";
@@ -75,6 +71,7 @@ std::string errorOf(const std::string& bytes) {
   return parsePropertyList(bytes).error;
 }
 
+// Odd texts, reals and dates, a fuzz target's corpus carries through both forms.
 TEST(PropertyList, BothFormsCarryEverythingThere) {
   const auto value = sample();
   EXPECT_EQ(read(writeXml(value)), value);
@@ -92,15 +89,6 @@ TEST(PropertyList, BothFormsCarryEverythingThere) {
 TEST(PropertyList, AreWrittenAsOthersReadThem) {
   EXPECT_NE(writeXml(u"\r").find("<string>&#13;</string>"), std::string::npos) << "others read a bare one as \\n";
   EXPECT_NE(writeXml(Date{-0.5}).find("<date>2000-12-31T23:59:59Z</date>"), std::string::npos);
-  EXPECT_EQ(read(xml("<date>2024-02-29T23:59:58Z</date>")), PropertyList(Date{730943998}));
-  for (const double seconds : {1e300, -1e300, std::nan(""), std::numeric_limits<double>::infinity(), 252423993600.0}) {
-    EXPECT_FALSE(canBeXml(Date{seconds}));
-    EXPECT_TRUE(parsePropertyList(writeXml(Date{seconds})));
-  }
-  for (const double seconds : {252423993599.0, -63113904000.0}) {
-    EXPECT_TRUE(canBeXml(Date{seconds}));
-    EXPECT_EQ(read(writeXml(Date{seconds})), PropertyList(Date{seconds}));
-  }
 }
 
 TEST(PropertyList, XmlOfOtherWriters) {

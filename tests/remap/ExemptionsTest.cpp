@@ -7,6 +7,8 @@ using namespace std::string_literals;
 using desktop::PropertyList;
 using platform::NSString;
 
+// In what order they are, a session and the portable tests tell.
+
 using Texts = std::vector<std::u16string>;
 
 class ExemptionsTest : public RemapperTest {
@@ -48,48 +50,6 @@ TEST_F(ExemptionsTest, AreTrimmedOfWhitespaceAtBothEndsOnly) {
     EXPECT_EQ(both(), (Texts{other + u"a"s})) << std::hex << int{other};
     remove(other + u"a"s);
   }
-}
-
-TEST_F(ExemptionsTest, AreSortedByCodePointAfterComposition) {
-  // The empty one was stored by others; it is never added. An e with an acute sorts as U+00E9, U+D7FF is the last
-  // before the surrogates and U+E000 the first behind them, and U+10000 is above U+FFFD, though its units are below it.
-  const Texts inOrder{u"",
-                      u"Com.example",
-                      u"com",
-                      u"com.Z",
-                      u"com.a",
-                      u"com.a.b",
-                      u"com.e",
-                      u"com.f",
-                      u"com.e\u0301",
-                      u"com.\u00E9a",
-                      u"com.\uD7FF",
-                      u"com.\uE000",
-                      u"com.\uFFFD",
-                      u"com.\U00010000",
-                      u"com.\U0010FFFE",
-                      u"com.\U0010FFFF"};
-  desktop.store(u"exemptBundleIDs", PropertyList::Array(inOrder.rbegin(), inOrder.rend()));
-  relaunch();
-  EXPECT_EQ(listed(), inOrder);
-  remapper->saveExemptions();
-  EXPECT_EQ(both(), inOrder);
-}
-
-TEST_F(ExemptionsTest, OrderTextsThatComposeAlikeTheSameEveryTime) {
-  const std::u16string composed = u"caf\u00E9";
-  const std::u16string decomposed = u"cafe\u0301";
-  for (int times = 0; times < 2; ++times) {
-    add(composed);
-    add(decomposed);
-    EXPECT_EQ(both(), (Texts{decomposed, composed})) << "two different texts, by their own code points";
-    remove(composed);
-    EXPECT_EQ(both(), (Texts{decomposed}));
-  }
-  front(decomposed);
-  EXPECT_FALSE(rewrites());
-  remove(decomposed);
-  EXPECT_TRUE(rewrites()) << "the other spelling is another application";
 }
 
 TEST_F(ExemptionsTest, TellApartAndKeepOddIdentifiers) {

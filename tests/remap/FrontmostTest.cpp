@@ -39,22 +39,5 @@ TEST(Frontmost, IsAskedForAtEveryKeyAndNotWhileDisabled) {
   desktop.play({"launch", changes, "menu \"Disable Tarnwick\"", isNotAskedFor});
 }
 
-TEST(StoredExemptions, CountForNothingUnlessTheyAreAnArrayOfStrings) {
-  const PropertyList useless[] = {
-      u"com.example.editor",
-      PropertyList::Dictionary{{u"com.example.editor", u"com.example.editor"}},
-      PropertyList::Data(3),
-      PropertyList::Array{u"com.example.editor", 5},
-      PropertyList::Array{false, u"com.example.editor"},
-      PropertyList::Array{PropertyList(PropertyList::Array{u"com.example.editor"})},
-  };
-  for (const PropertyList& stored : useless) {
-    TestDesktop desktop;
-    desktop.store(u"exemptBundleIDs", stored);
-    desktop.play({"launch", [&] { EXPECT_EQ(desktop.press("ctrl+c"), "Cmd+C"); }});
-    EXPECT_EQ(*desktop.machine.defaults->file->value(u"exemptBundleIDs"), stored) << "reading must not write";
-  }
-}
-
 } // namespace
 } // namespace desktop

@@ -46,6 +46,9 @@ bool has(const std::string& picture, const std::string& markup) {
   return picture.find(markup) != std::string::npos;
 }
 
+// The settings window, the menu and an alert are held whole by their pictures in docs/pictures, and that no text is
+// taken for markup by a fuzz target.
+
 /// Plays lines that draw some moments worth seeing.
 class DrawingTest : public testing::Test {
 protected:
@@ -63,27 +66,7 @@ protected:
     play(lines + "\ndraw it");
     return drawn("it");
   }
-  void exempt(const std::u16string& identifier) { desktop.store(u"exemptBundleIDs", PropertyList::Array{identifier}); }
 };
-
-TEST_F(DrawingTest, TextsAreNeverTakenForMarkup) {
-  exempt(u"</text>&amp;\u0001\xD800\uFFFF\"'");
-  const std::string picture = draw("screen 800 1100\nmenu Settings…");
-  EXPECT_TRUE(has(picture, ">&lt;/text&gt;&amp;amp;\uFFFD\uFFFD\uFFFD\"'<"));
-}
-
-TEST_F(DrawingTest, LongIdentifiersAreShortenedAndTheirButtonsAreNot) {
-  exempt(u"com.example." + std::u16string(200, u'w') + u".end");
-  const std::string picture = draw("screen 800 1100\nmenu Settings…\nresize 500 950");
-  const DrawnText identifier = textWith(picture, "…w");
-  const DrawnText button = textWith(picture, "Remove");
-  EXPECT_EQ(identifier.text.substr(0, 12), "com.example.");
-  EXPECT_EQ(identifier.text.substr(identifier.text.size() - 4), ".end");
-  EXPECT_LE(identifier.x + identifier.width, button.x);
-  const auto window = matchesIn(picture, "<rect x=\"([^\"]+)\" [^>]*width=\"500\"");
-  ASSERT_FALSE(window.empty());
-  EXPECT_LE(button.x + button.width, std::stod(window.front()[1]) + 500 - 20);
-}
 
 TEST_F(DrawingTest, WhatIsScrolledAwayIsCutOff) {
   play("screen 800 600\nmenu Settings…\ndraw low\nscreen 800 1100\nresize 612 900\ndraw high");
@@ -123,16 +106,9 @@ TEST_F(DrawingTest, AlertsAndPanelsLieOverTheWindowWhichIsThenInactiveAndNotMark
       found.insert(match[1]);
     return found;
   };
-  const auto window = marks("window");
-  for (const char* mark : {"front=\"Tarnwick\"", "window=\"Tarnwick Settings\"", "close=\"Tarnwick Settings\"",
-                           "checkbox=\"Swap @ and &quot;\"", "button=\"Open Login Items\"", "status=\"Tarnwick\"",
-                           "menu=\"Tarnwick\"", "entry=\"Quit Tarnwick\""})
-    EXPECT_EQ(window.count(mark), 1U) << mark;
-  EXPECT_EQ(window.count("entry=\"Check for Updates...\""), 0U) << "a disabled one";
+  EXPECT_FALSE(marks("window").contains("entry=\"Check for Updates...\"")) << "a disabled one";
   EXPECT_EQ(marks("panel"), (std::set<std::string>{"front=\"Tarnwick\"", "panel=\"Choose Application to Exempt\"",
                                                    "choose=\"/Applications/Editor.app\"", "cancel=\"Cancel\""}));
-  EXPECT_EQ(marks("alert"), (std::set<std::string>{"front=\"Finder\"", "alert=\"Move selected item to Bin?\"",
-                                                   "button=\"Move to Bin\"", "button=\"Cancel\""}));
 }
 
 TEST_F(DrawingTest, TheMenuIsOpenUntilTheUserGoesOn) {
@@ -147,12 +123,13 @@ TEST_F(DrawingTest, TheMenuIsOpenUntilTheUserGoesOn) {
 
 TEST_F(DrawingTest, TheMenuBarTellsWhoIsInFrontAndTheTime) {
   play("menu Settings…\nwait 8340\ndraw editor\nfront none\ndraw nobody\napp Mail\nfront Mail\nmenu Settings…\n"
-       "end Mail\ndraw ended\nfront Editor\nquit\nfront none\ndraw afterwards");
+       "end Mail\ndraw ended\nfront Editor\nquit\nfront none\ndraw afterwards\nscreen none\ndraw dark");
   EXPECT_TRUE(has(drawn("editor"), ">Editor<")) << "the program has no menus of its own";
   EXPECT_TRUE(has(drawn("editor"), ">12:00 PM<"));
   EXPECT_FALSE(has(drawn("nobody"), ">Editor<"));
   EXPECT_FALSE(has(drawn("ended"), ">Mail<"));
   EXPECT_FALSE(has(drawn("afterwards"), ">Editor<"));
+  EXPECT_TRUE(has(drawn("dark"), ">No screen<"));
 }
 
 TEST_F(DrawingTest, EveryClassHasAColourAndLabelsHaveTwo) {
@@ -169,27 +146,6 @@ TEST_F(DrawingTest, EveryClassHasAColourAndLabelsHaveTwo) {
   const std::string dark = picture.substr(picture.find("@media (prefers-color-scheme:dark){"));
   EXPECT_TRUE(has(dark, ".label{fill:rgba(255,255,255"));
   EXPECT_TRUE(has(dark, ".window{fill:#323232}"));
-}
-
-TEST_F(DrawingTest, DamagedImagesLeaveTheirPlaceEmpty) {
-  const auto resources = desktop.bundle / "Contents" / "Resources";
-  fs::remove(resources / "MenuBarTemplate.png");
-  const std::string entry("ic08\xff\xff\xff\xff", 8);
-  writeFile(resources / "AppIcon.icns",
-            "icns" + std::string(4, '\0') + entry + "\x89PNG\r\n\x1a\n" + std::string(16, '\1'));
-  const std::string picture = draw("menu Settings…");
-  EXPECT_TRUE(has(picture, ">Tarnwick<")) << "the status item's title";
-  EXPECT_FALSE(has(picture, "<image"));
-}
-
-TEST_F(DrawingTest, AFileThatCannotBeWrittenIsToldOf) {
-  testing::internal::CaptureStderr();
-  const std::string trace = desktop.play({"screen none\ndraw " + file("none") + "\ndraw " + file("no/folder.svg")});
-  const std::string complaint = testing::internal::GetCapturedStderr();
-  EXPECT_EQ(complaint,
-            "tarnwick: the picture " + file("no/folder.svg") + " cannot be written: No such file or directory\n");
-  EXPECT_TRUE(has(trace, "lost\tdraw " + file("no/folder.svg") + "\n"));
-  EXPECT_TRUE(has(drawn("none"), ">No screen<"));
 }
 
 /// Draws docs/pictures anew in a copy of that folder.

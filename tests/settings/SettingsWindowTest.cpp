@@ -7,6 +7,8 @@
 namespace desktop {
 namespace {
 
+// What it shows and does, sessions tell.
+
 /// The window of the running program, once "Settings…" has been chosen.
 class SettingsWindowTest : public testing::Test {
 protected:
@@ -135,56 +137,6 @@ TEST_F(SettingsWindowTest, IgnoresAStrangeSenderHoweverAlike) {
     EXPECT_EQ(machine.defaults->file->value(u"exemptBundleIDs"), nullptr) << "nothing was saved";
     EXPECT_FALSE((platform::make<"MappingsWindowController", "initWithCoder:">(stranger))) << "not from an archive";
   });
-}
-
-TEST_F(SettingsWindowTest, OpensAddressesFromItsLinks) {
-  open([&] {
-    desktop.entries.clear();
-    EXPECT_TRUE(click("About Tarnwick") && click("Open Login Items"));
-    EXPECT_EQ(desktop.trace(), "open\thttps://tarnwick.example/about\n"
-                               "open\tx-apple.systempreferences:com.apple.LoginItems-Settings.extension\n");
-  });
-}
-
-TEST_F(SettingsWindowTest, ListsExemptionsInOrderAndKeepsUpWithThem) {
-  desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.b", u"com.Z", u"com.a"});
-  const auto rows = [&] {
-    const std::string trace = shown();
-    const auto begin = trace.find("button\tChoose App…\n");
-    return trace.substr(begin, trace.find("separator", begin) - begin);
-  };
-  const std::string choose = "button\tChoose App…\n";
-  const std::string remove = "\nbutton\tRemove\n";
-  open([&] {
-    EXPECT_EQ(rows(), choose + "label\tcom.Z" + remove + "label\tcom.a" + remove + "label\torg.b" + remove);
-    EXPECT_TRUE(click("Remove", 2));
-    EXPECT_EQ(rows(), choose + "label\tcom.Z" + remove + "label\torg.b" + remove);
-    EXPECT_TRUE(click("Remove") && click("Remove"));
-    EXPECT_EQ(rows(), choose + "label\tNo exempt apps yet.\n");
-    for (const TextField* label : all<TextField>()) {
-      if (textOf(label->text.get()) != "No exempt apps yet.") continue;
-      EXPECT_EQ(label->textColor->ink, Color::Ink::SecondaryLabel);
-    }
-  });
-}
-
-TEST(SettingsWindow, TellsTheVersionOnlyWhereItIsAText) {
-  const std::pair<std::optional<PropertyList>, std::string> cases[] = {
-      {u"2.1", "Version 2.1"}, {u"", "Version "}, {7, "Version Unknown"}, {std::nullopt, "Version Unknown"}};
-  for (const auto& [version, label] : cases) {
-    TestDesktop desktop;
-    PropertyList::Dictionary information;
-    if (version) information[u"CFBundleShortVersionString"] = *version;
-    writeFile(desktop.bundle / "Contents" / "Info.plist", writeXml(information));
-    desktop.machine.mainBundle->open(desktop.bundle);
-    const std::string trace = desktop.play({"menu Settings…\n show window"});
-    EXPECT_TRUE(trace.ends_with("label\t" + label + "\nterminate\n")) << label;
-  }
-}
-
-TEST_F(SettingsWindowTest, OpensWithABrokenIcon) {
-  writeFile(desktop.bundle / "Contents" / "Resources" / "AppIcon.icns", "no image");
-  open([&] { EXPECT_FALSE(all<ImageView>().front()->image); });
 }
 
 TEST_F(SettingsWindowTest, OpensWithThePlatformsIconInsteadOfItsOwn) {
