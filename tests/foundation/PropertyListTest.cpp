@@ -89,6 +89,13 @@ TEST(PropertyList, BothFormsCarryEverythingThere) {
 TEST(PropertyList, AreWrittenAsOthersReadThem) {
   EXPECT_NE(writeXml(u"\r").find("<string>&#13;</string>"), std::string::npos) << "others read a bare one as \\n";
   EXPECT_NE(writeXml(Date{-0.5}).find("<date>2000-12-31T23:59:59Z</date>"), std::string::npos);
+  for (const double seconds : {1e300, -1e300, std::nan(""), 252423993600.0})
+    EXPECT_FALSE(canBeXml(Date{seconds})) << seconds;
+  for (const double seconds : {252423993599.0, -63113904000.0})
+    EXPECT_TRUE(canBeXml(Date{seconds})) << seconds;
+  for (const int unit : {0, 0x1, 0x1F, 0xD800, 0xDC00, 0xFFFE, 0xFFFF})
+    EXPECT_FALSE(canBeXml(Dictionary{{std::u16string(1, static_cast<char16_t>(unit)), true}})) << std::hex << unit;
+  EXPECT_TRUE(canBeXml(Array{u"\t\r\n\u0085\uFFFD\uE000\U0010FFFF"}));
 }
 
 TEST(PropertyList, XmlOfOtherWriters) {
