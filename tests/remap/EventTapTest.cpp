@@ -55,15 +55,6 @@ TEST_F(EventTapTest, IsGoneAfterStop) {
   EXPECT_TRUE(rewrites());
 }
 
-TEST_F(EventTapTest, MayHaveNoSource) {
-  remapper->stop();
-  desktop.machine.faults.fail("CFMachPortCreateRunLoopSource");
-  EXPECT_TRUE(remapper->start());
-  EXPECT_EQ(tap().asked, std::nullopt) << "what is on no run loop is not enabled either";
-  remapper->stop();
-  EXPECT_EQ(liveObjects("CFMachPort"), 0);
-}
-
 TEST_F(EventTapTest, HandsBackWhatIsNotItsBusinessAndStaysDisabled) {
   EXPECT_TRUE(handsBackUnchanged(kCGEventKeyDown, nullptr));
   EXPECT_TRUE(server.disableTaps(kCGEventTapDisabledByTimeout));
