@@ -6,7 +6,7 @@ import subprocess
 import tempfile
 from pathlib import Path
 
-from macos import archive, macho, sysroot
+from macos import archive, codesign, macho, sysroot
 
 ROOT = Path(__file__).resolve().parents[2]
 OLDEST = sysroot.dotted(sysroot.OLDEST_SYSTEM)
@@ -18,6 +18,7 @@ extern const void *kCFRunLoopCommonModes;
 int main(void) { return objc_getClass("NSObject") == kCFRunLoopCommonModes; }
 """
 LINK_OPTIONS = ["-fuse-ld=lld", "-nostdlib", "-Wl,-adhoc_codesign", "-Wl,-dead_strip", "-Wl,-S", "-Wl,-x"]
+PUT = 'put() { printf "\\\\$3" | dd of="$1" bs=1 seek=$(($2)) conv=notrunc 2>/dev/null; }'
 PROGRAM_OPTIONS = ["-Wl,-exported_symbol,__mh_execute_header"]
 
 
@@ -26,6 +27,12 @@ def folder(add_cleanup):
     work = tempfile.TemporaryDirectory()
     add_cleanup(work.cleanup)
     return Path(work.name)
+
+
+def rows(name):
+    """Pairs of a file in rows/: what is made wrong, and behind an arrow the pattern of the sentence that must answer."""
+    blocks = (ROOT / "tests" / "macos" / "rows" / name).read_text().rstrip("\n").split("\n\n")
+    return [tuple(block.split("\n-> ")) for block in blocks[1:]]  # without the heading
 
 
 def all_libraries():
@@ -86,6 +93,20 @@ def make_bundle(place, code):
     (contents / "MacOS" / "Tarnwick").write_bytes(code)
     archive.normalise(contents.parent, MOMENT)
     return contents.parent
+
+
+def signed_bundle(folder):
+    """A signed application with a framework."""
+    bundle = make_bundle(folder, program(folder))
+    add_framework(bundle, library(folder))
+    codesign.sign(bundle)
+    archive.normalise(bundle, MOMENT)
+    return bundle
+
+
+def change(bundle, commands):
+    """Lets the shell change a bundle's contents. Its own word `put FILE PLACE OCTAL` sets one byte."""
+    subprocess.run(["sh", "-ec", f"{PUT}\n{commands}"], cwd=bundle / "Contents", check=True)
 
 
 def add_framework(bundle, code):

@@ -52,41 +52,28 @@ class Archive(unittest.TestCase):
 
     def test_other_archives(self):
         """An archive that holds anything else than the bundle is told."""
-        contents = self.fresh() / "Contents"
-        information, icon = contents / "Info.plist", contents / "Resources" / "AppIcon.icns"
-        for sentence, change in [
-                ("holds Tarnwick.app/Contents/Extra", (contents / "Extra").touch),
-                ("lacks Tarnwick.app/Contents/Info.plist", information.unlink),
-                ("Info.plist with other content", lambda: information.write_bytes(b"?" * len(information.read_bytes()))),
-                ("MacOS/Tarnwick with permissions 644, the bundle with 755",
-                 lambda: (contents / "MacOS" / "Tarnwick").chmod(0o644)),
-                ("AppIcon.icns as something else", lambda: icon.unlink() or icon.symlink_to("MenuBarTemplate.png"))]:
+        for commands, sentence in fixture.rows("packed.txt"):
             changed = self.fresh()
-            change()
+            fixture.change(changed, commands)
             archive.write(changed, self.folder / "Tarnwick.zip")
             found = list(archive.compare(self.fresh(), self.folder / "Tarnwick.zip"))
-            self.assertEqual(len(found), 1, found)
+            self.assertEqual(len(found), 1, (commands, found))
             self.assertRegex(found[0], f"^Tarnwick.zip .*{sentence}")
 
-    def test_more_than_files(self):
-        archive.write(self.bundle, self.packed)
-        whole = self.packed.read_bytes()
-        hidden = whole[:whole.index(b"PK\3\4", 4)]
-        with zipfile.ZipFile(self.packed, "a") as package:
-            package.comment = b"comment"
-        for content in (b"#!/bin/sh\n" + whole, whole + b"more", hidden + whole, self.packed.read_bytes()):
-            self.packed.write_bytes(content)
-            self.assertEqual(list(archive.compare(self.bundle, self.packed)),
-                             ["Tarnwick.zip holds something before, between or behind its files"])
-
-    def test_no_archive_at_all(self):
+    def test_more_than_the_files_or_no_archive_at_all(self):
         bundle, packed = self.fresh(), self.folder / "Tarnwick.zip"
         archive.write(bundle, packed)
         whole = packed.read_bytes()
+        hidden = whole[:whole.index(b"PK\3\4", 4)]
+        with zipfile.ZipFile(packed, "a") as package:
+            package.comment = b"comment"
+        for content in (b"#!/bin/sh\n" + whole, whole + b"more", hidden + whole, packed.read_bytes()):
+            packed.write_bytes(content)
+            self.assertEqual(list(archive.compare(bundle, packed)),
+                             ["Tarnwick.zip holds something before, between or behind its files"])
         for content in (b"", whole[:len(whole) // 2], bytes(1000)):
             packed.write_bytes(content)
             with self.assertRaisesRegex(archive.ArchiveError, "^Tarnwick.zip cannot be unpacked: "):
                 list(archive.compare(bundle, packed))
-        with zipfile.ZipFile(packed, "w"):
-            pass
+        zipfile.ZipFile(packed, "w").close()
         self.assertIn("Tarnwick.zip lacks Tarnwick.app/", list(archive.compare(bundle, packed)))

@@ -1,6 +1,6 @@
 """Each thing that a Mac would refuse, or that must not leave the building machine, is named by the check."""
+import ast
 import dataclasses
-import hashlib
 import plistlib
 import shutil
 import struct
@@ -137,19 +137,13 @@ class Bundle(unittest.TestCase):
         self.assertRegex(figures[2], r"^Tarnwick.zip: \d+ bytes$")
 
     def test_faults(self):
-        contents = self.bundle / "Contents"
-        program = contents / "MacOS" / "Tarnwick"
-        one = macho.join(macho.slices(program.read_bytes())[:1])
-        noise = b"".join(hashlib.sha256(bytes([number // 256, number % 256])).digest() for number in range(10_000))
-        for fault, sentence in [
-                (lambda: (contents / "Resources" / "Noise").write_bytes(noise), r"Tarnwick.zip has 3\d+ bytes, more than"),
-                (lambda: program.write_bytes(one), "Tarnwick is for x86_64, not for arm64, x86_64"),
-                ((contents / "Resources" / "AppIcon.icns").unlink, "Resources/AppIcon.icns is missing")]:
+        (self.folder / "slice").write_bytes(macho.slices(self.code)[0])
+        for commands, sentence in fixture.rows("bundle.txt"):
             self.setUp()
-            fault()
+            fixture.change(self.bundle, commands)
             self.assertRegex("\n".join(self.problems()), sentence)
         self.setUp()
-        program.chmod(0o777)
+        (self.bundle / "Contents" / "MacOS" / "Tarnwick").chmod(0o777)
         archive.write(self.bundle, self.archive)
         with self.assertRaisesRegex(verify.VerificationError, "MacOS/Tarnwick has the permissions 777"):
             check.check_bundle(self.bundle, self.archive)
@@ -157,18 +151,8 @@ class Bundle(unittest.TestCase):
     def test_information(self):
         file = self.bundle / "Contents" / "Info.plist"
         good = plistlib.loads(file.read_bytes())
-        for change, sentence in [
-                ({"LSMinimumSystemVersion": "12.0"}, "LSMinimumSystemVersion is '12.0', not '13.0'"),
-                ({"LSUIElement": False}, "LSUIElement is False, not True"), ({"LSUIElement": 1}, "LSUIElement is 1"),
-                ({"CFBundleVersion": 1}, "CFBundleVersion is 1, which is no version"),
-                ({"CFBundleShortVersionString": "1.0-beta"}, "is '1.0-beta', which is no version"),
-                ({"CFBundleIdentifier": "app.other"}, "CFBundleIdentifier is 'app.other'"),
-                ({"LSEnvironment": {"DYLD_INSERT_LIBRARIES": "x"}}, "LSEnvironment must not be there"),
-                ({"NSAppTransportSecurity": {}}, "NSAppTransportSecurity must not be there"),
-                ({"SUFeedURL": "http://example.org/feed"}, "'http://example.org/feed', not an https address"),
-                ({"SUFeedURL": "https://example.org/feed"}, "no update framework that could use it"),
-                ({"SUPublicEDKey": b"key"}, "SUFeedURL and SUPublicEDKey must be texts")]:
-            file.write_bytes(plistlib.dumps({**good, **change}))
-            self.assertRegex("\n".join(self.problems()), f"Info.plist: .*{sentence}")
+        for change, sentence in fixture.rows("information.txt"):
+            file.write_bytes(plistlib.dumps({**good, **ast.literal_eval(change)}))
+            self.assertRegex("\n".join(self.problems()), f"Info.plist: .*{sentence}", change)
         with_framework = list(information.check({**good, "SUFeedURL": "https://example.org/feed"}, has_framework=True))
         self.assertEqual(with_framework, [])

@@ -47,80 +47,8 @@ CGRect use(NSMenuItem item, NSMenu menu, NSView view) {
 } // namespace tarnwick
 """
 
-# What is put into the program, and what must be said about it.
-MESSAGES = {
-    'send<"setTitel:">(item, NSString());': r"NSMenuItem has no method setTitel:; close: .*setTitle:.* \(sent by",
-    'send<"statusItemWithLength:", NSStatusItem>(NSStatusBar(), 1.0F);':
-        r"-\[NSStatusBar statusItemWithLength:\] takes as argument 1 CGFloat \(d\), the program passes float \(f\)",
-    'send<"setEnabled:">(item, 1);':
-        r"setEnabled:\] takes as argument 1 BOOL \(B\), the program passes int .*\(arm64\)",
-    'send<"setHidden:">(item, true);':
-        r"setHidden:\] takes as argument 1 BOOL \(c\), the program passes bool .*\(x86_64\)",
-    'send<"addItem:">(menu, item, item);': r"addItem:\] takes 1 arguments, the program passes 2",
-    'send<"runModal">(NSAlert());': r"runModal\] answers NSModalResponse \(Q or q\), the program expects void",
-    'send<"separatorItem", NSMenuItem>(item);':
-        "NSMenuItem has separatorItem as a class method, but the program sends it to an instance",
-    'send<"addItem:">(theClass<"NSMenu">, item);':
-        "NSMenu has addItem: as an instance method, but the program sends it to the class",
-    'send<"setTitle:">(NSObject(item), NSString());': "setTitle: is sent to an object of unknown class",
-    'send<"sort">(theClass<"NSMenuIten">);': "the facts know no class NSMenuIten; close: NSMenuItem",
-    'send<"bundleIdentifier", NSURL>(NSRunningApplication());':
-        "bundleIdentifier] answers an NSString, the program takes it for an NSURL",
-    'send<"setSubmenu:">(item, NSString());': "takes an NSMenu as argument 1, the program passes an NSString",
-    'send<"activate">(NSApplication());': r"-\[NSApplication activate\] came with macOS 14.0",
-    'send<"badge", NSObject>(item);': r"-\[NSMenuItem badge\] is recorded for newer systems only",
-    'wire::call<"length", NSString, void>(item.object());': "calls void platform::wire::call<.*> itself",
-    'item.setAction(selectorNamed<"qiut">());': "no class of the program answers the action qiut; close: quit",
-    'make<"NSMenu", "initWithTitel:">(NSString());': "NSMenu has no method initWithTitel:; close: initWithTitle:",
-}
-METHODS = {
-    '.method<"applicationWillTerminate:", &Delegate::quit>()':
-        r"Delegate answers applicationWillTerminate: as v@:; NSApplicationDelegate has it as void \(NSNotification\), "
-        "that is v@:@",
-    '.method<"applicationWillTerminat:", &Delegate::applicationDidFinishLaunching>()':
-        "nobody calls applicationWillTerminat: .*; close: applicationWillTerminate:",
-    '.method<"windowDidResize:", &Delegate::applicationDidFinishLaunching>()':
-        "answers windowDidResize: of NSWindowDelegate, but does not conform",
-    '.method<"hash", &Delegate::hash>()':
-        r"Delegate answers hash as i@:; NSObject has it as NSUInteger \(\), that is Q@:",
-}
-DECLARED = {
-    "inline constexpr double NSVariableStatusItemLength = -1.5;": "NSVariableStatusItemLength is -1 .* has -1.5",
-    "inline constexpr int kVK_F21 = 1;": "the platform has no constant kVK_F21; close: .*kVK_F2",
-    "inline constexpr long NSTextAlignmentCenter = 1;": r"NSTextAlignmentCenter is 2 .* has 1 \(x86_64\)",
-    'inline constexpr auto kAXRoleAttribute = "AXRolle";': 'kAXRoleAttribute is "AXRole" .* has "AXRolle"',
-    'inline const char* role = "AXTextFeld";': 'Accessibility knows no "AXTextFeld"; close: .*AXTextField',
-    'extern "C" void CGEventPostt();': "the platform has no function CGEventPostt; close: .*CGEventPost",
-    'extern "C" const double kCFBooleanTrue;': "kCFBooleanTrue is .*, the program declares double",
-}
-STAND_IN = {
-    "constexpr long NSModalResponseAbort = -1002;": "NSModalResponseAbort is -1001 on the platform, the program has -1002",
-    "enum { kAXErrorNoValue = -(1 << 4) };": "kAXErrorNoValue is -25212 on the platform, the program has -16",
-    "constexpr int kVK_Escape = 0x35;": "desktop/Own.cpp declares kVK_Escape again; platform/ has it",
-    'extern "C" {\nextern const void* const kCFRunLoopCommonModes;\n}': "declares kCFRunLoopCommonModes again",
-    'extern "C" {\nint CGEventPeek(int) {\n  return 1;\n}\n}': "CGEventPeek is not declared in platform/",
-}
-HEADERS = {  # file, what stands there, what is put in its place, what is said
-    "key code": ("platform/KeyCodes.hpp", "kVK_F5 = 0x60", "kVK_F5 = 0x61", "kVK_F5 is 96 on the platform, the program has 97"),
-    "unread": ("platform/KeyCodes.hpp", "inline constexpr CGKeyCode kVK_F6 ", "inline const CGKeyCode kVK_F6 ",
-               "the declaration of kVK_F6 is not understood"),
-    "modifier": ("platform/EventServices.hpp", "kCGEventFlagMaskHelp = 0x400000", "kCGEventFlagMaskHelp = 0x40000",
-                 "kCGEventFlagMaskHelp is 4194304 on the platform, the program has 262144"),
-    "flags": ("platform/EventServices.hpp", "void CGEventSetFlags(CGEventRef event, CGEventFlags flags);",
-              "void CGEventSetFlags(CGEventRef event, std::uint32_t flags);",
-              r"CGEventSetFlags takes as argument 2 CGEventFlags \(Q\), the program declares unsigned int"),
-    "callback": ("platform/EventServices.hpp", "(CGEventTapProxy proxy, CGEventType type, CGEventRef event, void*",
-                 "(CGEventTapProxy proxy, CGEventRef event, CGEventType type, void*",
-                 "CGEventTapCreate takes as argument 5 CGEventTapCallBack"),
-    "width": ("platform/EventServices.hpp", "enum CGEventTapPlacement : std::uint32_t",
-              "enum CGEventTapPlacement : std::uint64_t", r"CGEventTapCreate takes as argument 2 CGEventTapPlacement \(I\), .* \(Q\)"),
-    "kind of reference": ("platform/CoreFoundation.hpp", "CFRunLoopAddSource(CFRunLoopRef loop,",
-                          "CFRunLoopAddSource(CFMachPortRef loop,", "takes as argument 1 CFRunLoopRef"),
-    "local constant": ("app/main.cpp", "NSModalResponseOK = 1;", "NSModalResponseOK = 2;",
-                       "NSModalResponseOK is 1 on the platform, the program has 2"),
-    "entry": ("platform/Send.hpp", "sizeof(Result) > 16", "sizeof(Result) > 64",
-              r"comes back through objc_msgSend_stret, not objc_msgSend .*\(x86_64\)"),
-}
+MESSAGES, METHODS, DECLARED, HEADERS, STAND_IN = (
+    dict(fixture.rows(f"interface/{name}.txt")) for name in ("messages", "methods", "declared", "headers", "stand_in"))
 
 
 def copy(folder):
@@ -168,7 +96,8 @@ class Interface(unittest.TestCase):
         replace(main, "        .registered();", "\n".join([*METHODS, ".registered();"]))
         replace(main, "  void quit() {}", "  void quit() {}\n  int hash() { return 1; }")
         (wrong / "app" / "Declared.hpp").write_text("\n".join(DECLARED))
-        for file, text, other, _ in HEADERS.values():
+        for change in HEADERS:
+            file, text, other = change.splitlines()
             replace(wrong / file, text, other)
         cls.about_wrong, cls.wrong = examine(wrong)
 
@@ -180,8 +109,7 @@ class Interface(unittest.TestCase):
 
     def test_every_mistake_is_named(self):
         said = "\n".join(self.about_wrong)
-        headers = {name: sentence for name, (*_, sentence) in HEADERS.items()}
-        for mistake, sentence in {**MESSAGES, **METHODS, **DECLARED, **headers}.items():
+        for mistake, sentence in {**MESSAGES, **METHODS, **DECLARED, **HEADERS}.items():
             with self.subTest(mistake):
                 self.assertRegex(said, sentence)
 

@@ -16,16 +16,8 @@ class Sysroot(unittest.TestCase):
             sysroot.verify_archive(self.folder / "headers.tgz")
 
     def test_mistakes_in_the_table(self):
-        for text, sentence in [
-                ("symbol before any library\n", "imports.txt:1: neither a library"),
-                ("  early  10.0  x:A\n", "imports.txt:1: neither a library"),
-                ("A  /usr/lib/a\n", "imports.txt:1: neither a library with its install name and versions"),
-                ("A  /usr/lib/a  1  1\n  f  10.0\n", "imports.txt:2: a symbol needs its first macOS and its source"),
-                ("A  /usr/lib/a  1  1\n  f  new  x:A\n", "imports.txt:2: a symbol needs its first macOS and its source"),
-                ("A  /usr/lib/a  1  1\n  f  10.0  x:B/b.h\n", "imports.txt:2: f is listed under A, but its source says B"),
-                ("A  /usr/lib/a  1  1\n  f  10.0  x:A\nB  /usr/lib/b  1  1\n  f  10.0  x:B\n",
-                 "imports.txt:4: f is listed twice")]:
-            (self.folder / "imports.txt").write_text(text)
+        for text, sentence in fixture.rows("imports.txt"):
+            (self.folder / "imports.txt").write_text(text + "\n")
             with self.assertRaisesRegex(sysroot.SysrootError, sentence, msg=text):
                 sysroot.read_libraries(self.folder / "imports.txt")
 
