@@ -35,38 +35,21 @@ class Check(unittest.TestCase):
         return code
 
     def test_header(self):
-        flags = struct.unpack_from("<I", self.good, 24)[0]
         image = macho.read_image(self.good)
-        build, segment = image.command(macho.LC_BUILD_VERSION), image.segment("__DATA_CONST") or image.segment("__TEXT")
-        for sentence, code in [
-                ("not position independent", self.changed(24, "<I", flags & ~check.FLAG_PIE)),
-                ("flat namespace", self.changed(24, "<I", flags & ~check.FLAG_TWO_LEVEL)),
-                ("executable stack", self.changed(24, "<I", flags | check.FLAG_STACK_EXECUTION)),
-                ("not a program", self.changed(12, "<I", 6)),
-                ("for platform 2, not for macOS", self.changed(build + 8, "<I", 2)),
-                (r"oldest system is macOS 14\.0, not 13\.0", self.changed(build + 12, "<I", 14 << 16)),
-                (r"SDK is macOS 15\.2, not 13\.0", self.changed(build + 16, "<I", 15 << 16 | 2 << 8)),
-                ("no unwind tables", self.good.replace(b"__unwind_info", b"__unwind_none")),
-                ("may be written and executed", self.changed(segment.command + 56, "<I", 7)),
-                ("does not say for which system", self.changed(build, "<I", 0x7F))]:
-            self.assert_problem(sentence, code)
+        places = {"header": 0, "build": image.command(macho.LC_BUILD_VERSION),
+                  "segment": image.segment("__DATA_CONST").command}
+        for change, sentence in fixture.rows("header.txt"):
+            place, behind, value = change.split()
+            self.assert_problem(sentence, self.changed(places[place] + int(behind), "<I", int(value, 0)))
+        self.assert_problem("no unwind tables", self.good.replace(b"__unwind_info", b"__unwind_none"))
 
     def test_linking(self):
-        names = fixture.all_libraries()
         (self.folder / "stubs" / "libextra.tbd").write_text(
             sysroot.stub_text(sysroot.Library("extra", "/usr/lib/libextra.dylib", "1", "1", [])))
-        early = "volatile int early; __attribute__((constructor)) void first(void) { early = 1; }\n"
-        for sentence, code in [
-                ("does not load .*AppKit", self.linked(libraries=names[1:])),
-                ("loads /usr/lib/libextra.dylib, which", self.linked(libraries=[*names, "-lextra"])),
-                ("loads .*/AppKit by LC_LOAD_WEAK_DYLIB",
-                 self.linked(libraries=["-Wl,-weak_framework,AppKit", *names[1:]])),
-                ("looks for libraries in /usr/lib", self.linked(fixture.SOURCE, "-Wl,-rpath,/usr/lib/swift")),
-                ("offers _offered to others", fixture.link(
-                    self.folder, "arm64", fixture.SOURCE + "int offered(void) { return 1; }\n",
-                    ["-Wl,-exported_symbol,_offered", *fixture.PROGRAM_OPTIONS])),
-                ("runs 1 static initialiser before main", self.linked(fixture.SOURCE + early))]:
-            self.assert_problem(sentence, code)
+        for change, sentence in fixture.rows("linked.txt"):
+            options, _, source = change.partition("\n")
+            self.assert_problem(sentence, self.linked(fixture.SOURCE + source, *options.split()))
+        self.assert_problem("does not load .*AppKit", self.linked(libraries=fixture.all_libraries()[1:]))
 
     def without(self, name):
         """The table as if a symbol were not listed."""
