@@ -104,9 +104,9 @@ def signed_bundle(folder):
     return bundle
 
 
-def change(bundle, commands):
-    """Lets the shell change a bundle's contents. Its own word `put FILE PLACE OCTAL` sets one byte."""
-    subprocess.run(["sh", "-ec", f"{PUT}\n{commands}"], cwd=bundle / "Contents", check=True)
+def change(folder, commands):
+    """Lets the shell change what is in a folder. Its own word `put FILE PLACE OCTAL` sets one byte."""
+    subprocess.run(["sh", "-ec", f"{PUT}\n{commands}"], cwd=folder, check=True)
 
 
 def add_framework(bundle, code):

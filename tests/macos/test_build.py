@@ -60,9 +60,7 @@ class Mac(unittest.TestCase):
     """What Apple's codesign is asked to do."""
 
     def signed(self, identity):
-        folder, calls = fixture.folder(self.addCleanup), []
-        bundle = fixture.make_bundle(folder, fixture.program(folder))
-        fixture.add_framework(bundle, fixture.library(folder))
+        bundle, calls = fixture.signed_bundle(fixture.folder(self.addCleanup)), []
         with mock.patch.object(build, "run", lambda *words: calls.append([str(word) for word in words])):
             build.sign_with_apple(bundle, identity)
         return calls

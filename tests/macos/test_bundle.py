@@ -44,30 +44,19 @@ class StatusImage(unittest.TestCase):
 
 
 class Rendering(unittest.TestCase):
-    """`render --check` on a copy of the folder."""
+    """`render --check` on copies of the folder."""
 
-    def setUp(self):
-        self.folder = fixture.folder(self.addCleanup) / "bundle"
-        shutil.copytree(BUNDLE, self.folder)
-
-    def check(self):
-        result = subprocess.run([self.folder / "render.py", "--check"], capture_output=True, text=True, check=False)
+    def check(self, commands):
+        folder = fixture.folder(self.addCleanup) / "bundle"
+        shutil.copytree(BUNDLE, folder)
+        fixture.change(folder, commands)
+        result = subprocess.run([folder / "render.py", "--check"], capture_output=True, text=True, check=False)
         return result.returncode, result.stderr
 
     def test_committed_and_changed_pictures(self):
-        self.assertEqual(self.check(), (0, ""))
-        for name, old, new, picture in [
-                ("MenuBarTemplate.svg", 'stroke-width="1.75"', 'stroke-width="2.25"', "MenuBarTemplate.png"),
-                ("AppIconSmall.svg", "#4fd0d6", "#d64f4f", "ic04"),
-                ("AppIcon.svg", "#4fd0d6", "#d64f4f", "ic12")]:
-            drawing = self.folder / name
-            text = drawing.read_text()
-            drawing.write_text(text.replace(old, new))
-            status, sentence = self.check()
-            self.assertEqual(status, 1, f"{name}: is {old} still in it?")
-            self.assertRegex(sentence, f"{picture}.* is not what its drawing renders to")
-            drawing.write_text(text)
-
-    def test_drawing_that_is_none(self):
-        (self.folder / "AppIcon.svg").write_text("<svg")
-        self.assertRegex(self.check()[1], "AppIcon.svg cannot be drawn")
+        self.assertEqual(self.check(""), (0, ""))
+        for commands, sentence in fixture.rows("drawings.txt"):
+            with self.subTest(commands):
+                status, said = self.check(commands)
+                self.assertEqual(status, 1)
+                self.assertRegex(said, sentence)

@@ -123,7 +123,7 @@ class Bundle(unittest.TestCase):
         (self.folder / "slice").write_bytes(macho.slices(self.code)[0])
         for commands, sentence in fixture.rows("bundle.txt"):
             self.setUp()
-            fixture.change(self.bundle, commands)
+            fixture.change(self.bundle / "Contents", commands)
             self.assertRegex("\n".join(self.problems()), sentence)
         self.setUp()
         (self.bundle / "Contents" / "MacOS" / "Tarnwick").chmod(0o777)

@@ -44,7 +44,7 @@ class SignedBundle(unittest.TestCase):
         for commands, sentence in fixture.rows("sealed.txt"):
             with self.subTest(commands):
                 self.setUp()
-                fixture.change(self.bundle, commands)
+                fixture.change(self.bundle / "Contents", commands)
                 with self.assertRaisesRegex(REFUSALS, sentence):
                     verify.verify_application(self.bundle)
         self.setUp()

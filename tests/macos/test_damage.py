@@ -48,26 +48,17 @@ class Damage(unittest.TestCase):
     def setUp(self):
         self.chance = random.Random(SEED)
 
-    def answer(self, tool, *arguments):
-        """Status and what is said about it; an exception fails the test."""
-        said = io.StringIO()
-        with contextlib.redirect_stderr(said), contextlib.redirect_stdout(io.StringIO()):
-            status = tool.main([str(argument) for argument in arguments])
-        return status, said.getvalue()
-
-    def assert_sentences(self, status, said, allowed=(0, 1)):
-        self.assertIn(status, allowed)
-        self.assertEqual(status == 0, not said, said)
-        if status == 1:
-            self.assertRegex(said, f"^({SENTENCE})+$")
-
-    @contextlib.contextmanager
-    def changed(self, path, content):
-        """A file with other content, for a while."""
+    def assert_sentences(self, path, content, *asked, allowed=(0, 1)):
+        """What each tool answers while a file has other content: a status, and with 1 sentences; never an exception."""
         before = path.read_bytes()
         path.write_bytes(content)
         try:
-            yield
+            for tool, *arguments in asked:
+                said = io.StringIO()
+                with contextlib.redirect_stderr(said), contextlib.redirect_stdout(io.StringIO()):
+                    status = tool.main([str(argument) for argument in arguments])
+                self.assertIn(status, allowed)
+                self.assertRegex(said.getvalue(), f"^({SENTENCE})+$" if status else "^$")
         finally:
             path.write_bytes(before)
 
@@ -78,10 +69,10 @@ class Damage(unittest.TestCase):
             content = damaged(path.read_bytes(), self.chance)
             if content == path.read_bytes():
                 continue
-            with self.subTest(number, path=path.name), self.changed(path, content):
-                self.assert_sentences(*self.answer(verify, self.bundle), allowed=(1,))
+            with self.subTest(number, path=path.name):
+                self.assert_sentences(path, content, (verify, self.bundle), allowed=(1,))
                 if number % 10 == 0:
-                    self.assert_sentences(*self.answer(check, self.bundle, self.archive))
+                    self.assert_sentences(path, content, (check, self.bundle, self.archive))
 
     def test_signatures(self):
         """Every single byte of every signature counts."""
@@ -93,14 +84,14 @@ class Damage(unittest.TestCase):
             for place in range(start, start + size):
                 content = bytearray(intact)
                 content[place] ^= 1 << self.chance.randrange(8)
-                with self.subTest(place - start), self.changed(program, bytes(content)):
-                    self.assert_sentences(*self.answer(verify, self.bundle), allowed=(1,))
+                with self.subTest(place - start):
+                    self.assert_sentences(program, bytes(content), (verify, self.bundle), allowed=(1,))
 
     def test_archive(self):
         intact = self.archive.read_bytes()
         for number in range(1000):
-            with self.subTest(number), self.changed(self.archive, damaged(intact, self.chance)):
-                self.assert_sentences(*self.answer(check, self.bundle, self.archive))
+            with self.subTest(number):
+                self.assert_sentences(self.archive, damaged(intact, self.chance), (check, self.bundle, self.archive))
 
     def test_dictionary(self):
         """Damaged as bytes, in both spellings, and with values of other kinds; signed anew, so that it is read."""
@@ -114,6 +105,5 @@ class Damage(unittest.TestCase):
         contents += [plistlib.dumps({key: good[key] for key in good if key != name}) for name in good]
         contents += [plistlib.dumps([good]), plistlib.dumps("text"), b"", b"bplist00"]
         for number, content in enumerate(contents):
-            with self.subTest(number), self.changed(information, content):
-                for tool, arguments in ((verify, [bundle]), (check, [bundle, self.archive])):
-                    self.assert_sentences(*self.answer(tool, *arguments))
+            with self.subTest(number):
+                self.assert_sentences(information, content, (verify, bundle), (check, bundle, self.archive))

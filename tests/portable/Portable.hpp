@@ -6,12 +6,9 @@
 #include "platform/Application.hpp"
 #include "platform/Collections.hpp"
 #include "platform/CoreFoundation.hpp"
-#include "platform/RuntimeClass.hpp"
 #include "platform/Strings.hpp"
 
 #include <gtest/gtest.h>
-
-#include <functional>
 
 namespace tarnwick {
 
@@ -27,36 +24,13 @@ protected:
   /// Lets the main run loop do what becomes due.
   static void runFor(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, false); }
 
-  /// From the run loop, also under an alert or a panel.
-  static void after(double seconds, id receiver, SEL message) {
-    const auto modes = platform::NSArray::of<platform::NSObject>({platform::sharing(kCFRunLoopCommonModes)});
-    platform::send<"performSelector:withObject:afterDelay:inModes:">(receiver, message, nullptr, seconds, modes);
-  }
-  static void after(double seconds, std::function<void()> look) {
-    Look::runtimeClass();
-    const auto object = platform::make<"PortableTestLook", "init">();
-    platform::InstanceState<Look>::of(object.object()).look = std::move(look);
-    after(seconds, object.object(), platform::selectorNamed<"look">());
-  }
-  /// Takes the alert or panel away that is open by then, as if the user had chosen nothing.
+  /// Takes the alert or panel away that is open by then, as if the user had chosen nothing. The run loop does it, since
+  /// the main queue waits while a block of its own has one open.
   void dismissAfter(double seconds) const {
-    after(seconds, application.object(), platform::selectorNamed<"abortModal">());
+    const auto modes = platform::NSArray::of<platform::NSObject>({platform::sharing(kCFRunLoopCommonModes)});
+    platform::send<"performSelector:withObject:afterDelay:inModes:">(
+        application, platform::selectorNamed<"abortModal">(), nullptr, seconds, modes);
   }
-
-private:
-  struct Look {
-    explicit Look(id) {}
-    void run() { look(); }
-    std::function<void()> look;
-
-    static Class runtimeClass() {
-      static const Class registered = platform::RuntimeClass<Look, "PortableTestLook", "NSObject">()
-                                          .method<"init", &platform::initialise<Look, "NSObject">>()
-                                          .method<"look", &Look::run>()
-                                          .registered();
-      return registered;
-    }
-  };
 };
 
 /// Lets a test name a private member, which an explicit instantiation may:
