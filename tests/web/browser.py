@@ -1,5 +1,4 @@
 """The page in a real browser without a window: Debian's chromium, worked through its own driver."""
-import base64
 import tempfile
 import unittest
 from pathlib import Path
@@ -20,10 +19,9 @@ COMMAND = ROOT / "build" / "tarnwick"
 # No sandbox, since it refuses to run as root; nothing that asks the network by itself.
 ARGUMENTS = ("--headless", "--no-sandbox", "--disable-gpu", "--no-first-run", "--disable-background-networking",
              "--disable-component-update", "--disable-sync", "--disable-quic", "--window-size=1280,1000")
-PLAY = """const [session, {stored, files, ...options}, done] = arguments;
-const bytes = base64 => Uint8Array.from(atob(base64), letter => letter.charCodeAt(0));
-if (stored) options.defaults = bytes(stored);
-options.files = Object.fromEntries(Object.entries(files).map(([name, base64]) => [name, bytes(base64)]));
+PLAY = """const [session, {files, ...options}, done] = arguments;
+if (options.defaults) options.defaults = Uint8Array.from(options.defaults);
+options.files = Object.fromEntries(Object.entries(files).map(([name, bytes]) => [name, Uint8Array.from(bytes)]));
 tarnwick.play(session, options).then(done, error => done({failed: error.message}));"""
 
 
@@ -59,9 +57,8 @@ class BrowserTest(unittest.TestCase):
 
     def play(self, session, defaults=None, files=None, **options):
         """One session in the page's program, not shown. Defaults and files are bytes."""
-        options["files"] = {name: base64.b64encode(content).decode() for name, content in (files or {}).items()}
-        if defaults is not None:
-            options["stored"] = base64.b64encode(defaults).decode()
+        options["files"] = {name: list(content) for name, content in (files or {}).items()}
+        options["defaults"] = defaults and list(defaults)
         played = self.browser.execute_async_script(PLAY, session, options)
         self.assertNotIn("failed", played)
         return played

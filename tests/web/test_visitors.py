@@ -7,6 +7,9 @@ from pathlib import Path
 
 from browser import COMMAND, ActionChains, BrowserTest, By, Keys, ScrollOrigin
 
+REPLAY = """const started = performance.now();
+tarnwick.play("press ctrl+c\\n".repeat(1000)).then(() => arguments[0](performance.now() - started));"""
+
 
 def link_of(session):
     return "#" + base64.urlsafe_b64encode(gzip.compress(session.encode())).decode().rstrip("=")
@@ -170,6 +173,8 @@ class Visitors(BrowserTest):
         self.assertEqual(self.session(), session + "press c\n")
 
     def test_of_a_long_session_the_end_is_shown(self):
+        took = self.browser.execute_async_script(REPLAY)
+        print(f"\n    a replay of 1,000 commands: {took:.0f} ms", end="", flush=True)
         self.open(link_of("press ctrl+c\n" * 10000))
         caption = self.browser.find_element(By.TAG_NAME, "caption")
         self.wait(lambda: caption.text == "The last 200 of 10000 actions")
