@@ -8,7 +8,6 @@
 #include "tests/portable/Portable.hpp"
 
 namespace tarnwick {
-
 namespace {
 
 using namespace platform;
