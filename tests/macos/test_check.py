@@ -51,26 +51,21 @@ class Check(unittest.TestCase):
             self.assert_problem(sentence, self.linked(fixture.SOURCE + source, *options.split()))
         self.assert_problem("does not load .*AppKit", self.linked(libraries=fixture.all_libraries()[1:]))
 
-    def without(self, name):
-        """The table as if a symbol were not listed."""
-        return [dataclasses.replace(library, symbols=[symbol for symbol in library.symbols if symbol.name != name])
-                for library in self.libraries]
-
-    def listed(self, library_name, symbol):
-        """The table with a symbol under the given library alone."""
-        table = self.without(symbol.name)
-        next(library for library in table if library.name == library_name).symbols.append(symbol)
-        return table
+    def listed(self, place=None, *symbol):
+        """The table with _objc_getClass under one library alone, or nowhere."""
+        return [dataclasses.replace(library, symbols=[
+            *(each for each in library.symbols if each.name != "_objc_getClass"),
+            *([sysroot.Symbol("_objc_getClass", *symbol)] if library.name == place else [])])
+            for library in self.libraries]
 
     def test_imports(self):
+        for sentence, *change in (
+                ("which .* does not list",),
+                ("from /usr/lib/libobjc.A.dylib, but .*/AppKit has it", "AppKit", (10, 0), ""),
+                ("which begins with macOS 14.2", "objc", (14, 2), ""),
+                ("which .* for this processor", "objc", (10, 0), "x86_64")):
+            self.assert_problem(f"takes _objc_getClass,? {sentence}", self.good, self.listed(*change))
         weak = fixture.SOURCE.replace("extern const void *k", "extern __attribute__((weak_import)) const void *k")
-        self.assert_problem("takes _objc_getClass, which .* does not list", self.good, self.without("_objc_getClass"))
-        self.assert_problem("takes _objc_getClass from /usr/lib/libobjc.A.dylib, but .*/AppKit has it", self.good,
-                            self.listed("AppKit", sysroot.Symbol("_objc_getClass", (10, 0), "")))
-        self.assert_problem("takes _objc_getClass, which begins with macOS 14.2", self.good,
-                            self.listed("objc", sysroot.Symbol("_objc_getClass", (14, 2), "")))
-        self.assert_problem("takes _objc_getClass, which .* for this processor", self.good,
-                            self.listed("objc", sysroot.Symbol("_objc_getClass", (10, 0), "x86_64")))
         self.assertRegex(self.problems(self.linked(weak))[0], "takes _kCFRunLoopCommonModes weakly")
 
     def test_library_versions(self):

@@ -96,6 +96,7 @@ TEST_F(SettingsPortableTest, TheOpenPanelOffersOneApplication) {
     ASSERT_TRUE(panel) << "no panel is open";
     EXPECT_TRUE((send<"message", NSString>(panel)) == NSString("Select an application bundle (.app)"));
     EXPECT_TRUE((send<"prompt", NSString>(panel)) == NSString("Add Exemption"));
+    EXPECT_TRUE((send<"canChooseFiles", BOOL>(panel)));
     EXPECT_FALSE((send<"canChooseDirectories", BOOL>(panel)));
     EXPECT_FALSE((send<"allowsMultipleSelection", BOOL>(panel)));
     EXPECT_TRUE((send<"path", NSString>(send<"directoryURL", NSURL>(panel))) == NSString("/Applications"));

@@ -2,8 +2,6 @@
 import base64
 import gzip
 import subprocess
-import tempfile
-from pathlib import Path
 
 from browser import COMMAND, ActionChains, BrowserTest, By, Keys, ScrollOrigin
 
@@ -124,10 +122,7 @@ class Visitors(BrowserTest):
 
     def plays_as_the_command(self):
         """The session as text, played by the command, leaves the trace that it leaves in the page."""
-        with tempfile.TemporaryDirectory() as folder:
-            session = Path(folder, "session.txt")
-            session.write_text(self.session())
-            native = subprocess.run([COMMAND, "--trace", session], capture_output=True, text=True)
+        native = subprocess.run([COMMAND, "--trace", "/dev/stdin"], input=self.session(), capture_output=True, text=True)
         self.assertEqual((native.returncode, native.stderr), (0, ""))
         self.assertNotIn("lost", native.stdout)
         self.assertEqual(self.play(self.session(), trace=True)["output"], native.stdout)
