@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <sstream>
 
 namespace desktop {
 namespace {
@@ -32,86 +33,40 @@ std::vector<Step> everything(const TestDesktop& desktop) {
           "menu \"Disable Tarnwick\"\n menu \"Quit Tarnwick\"\n press ctrl+c"};
 }
 
-const std::string status = "status\timage\n";
-const std::string named = "status\tTarnwick\n";
-const std::string started = "updater\tstarted\n";
-const std::string copied = keyLine("key\tEditor\tdown", "cmd+c");
-const std::string untouched = keyLine("key\tEditor\tdown", "ctrl+c");
-const std::string front = "front\tTarnwick\n";
-const std::string terminate = "terminate\n";
-const std::string posted = keyLine("post\tdown", "cmd+delete") + keyLine("post\tup", "cmd+delete");
-
 struct Fault {
-  const char* call;
-  const char* session;
+  std::string call;
+  std::string session;
   std::string trace;
 };
 
-void PrintTo(const Fault& fault, std::ostream* stream) {
-  *stream << fault.call;
+/// The rows of faults.txt.
+std::vector<Fault> faults() {
+  std::istringstream rows(contentsOf(TARNWICK_SOURCE_DIR "/tests/faults.txt"));
+  std::vector<Fault> found;
+  bool isNew = true;
+  for (std::string line; std::getline(rows, line);) {
+    if (line.starts_with('#')) continue;
+    if (isNew && !line.empty()) {
+      found.push_back({line, "", ""});
+    } else if (!line.empty()) {
+      const bool isTyped = line.starts_with("  ");
+      (isTyped ? found.back().session : found.back().trace) += line.substr(isTyped ? 2 : 0) + '\n';
+    }
+    isNew = line.empty();
+  }
+  return found;
 }
 
-class Faulty : public testing::TestWithParam<Fault> {};
-
-TEST_P(Faulty, PlatformIsPutUpWith) {
-  TestDesktop desktop;
-  addUpdater(desktop);
-  desktop.machine.faults.fail(GetParam().call);
-  EXPECT_EQ(desktop.play({GetParam().session}), GetParam().trace);
+TEST(Faults, ArePutUpWith) {
+  for (const Fault& fault : faults()) {
+    TestDesktop desktop;
+    addUpdater(desktop);
+    desktop.machine.faults.fail(fault.call);
+    EXPECT_EQ(desktop.play({fault.session}), fault.trace) << fault.call;
+  }
 }
 
-const std::string launch = status + started;
-const std::string noUpdates = status + "lost\tmenu \"Check for Updates...\"\n" + terminate;
-const std::string shown = "window\tTarnwick Settings\t612\t695\n" + front;
-const std::string swallowed = keyLine("swallowed\tdown", "forwarddelete");
-const std::string asked = "alert\tMove selected item to Bin?\tThis will move the selected Finder item to Bin.\t"
-                          "Move to Bin\tCancel\n";
-const std::string noWindow = launch + front + "lost\tclose\n" + keyLine("key\tTarnwick\tdown", "ctrl+c") + terminate;
-constexpr const char* update = "menu \"Check for Updates...\"";
-constexpr const char* openAndClose = "menu \"Settings…\"\nclose\ndown ctrl+c";
-
-INSTANTIATE_TEST_SUITE_P(
-    Calls, Faulty,
-    testing::Values(
-        Fault{"CGEventTapCreate", "launch\nclick OK\ndown ctrl+c",
-              launch +
-                  "alert\tAccessibility Permission Required\tEnable Tarnwick in System Settings > Privacy & Security > "
-                  "Accessibility.\tOK\nanswer\tOK\n" +
-                  terminate + untouched},
-        Fault{"CFMachPortCreateRunLoopSource", "down ctrl+c", launch + untouched + terminate},
-        Fault{"NSApplication setActivationPolicy:", "down ctrl+c", launch + copied + terminate},
-        Fault{"NSStatusBar statusItemWithLength:", "down ctrl+c\nmenu Settings…",
-              started + copied + "lost\tmenu Settings…\n" + terminate},
-        Fault{"NSStatusItem button", "down ctrl+c", "status\t-\n" + started + copied + terminate},
-        Fault{"NSBundle URLForResource:withExtension:", "menu Settings…", named + started + shown + terminate},
-        Fault{"NSImage initWithContentsOfURL:", "menu Settings…", named + started + shown + terminate},
-        Fault{"NSBundle objectForInfoDictionaryKey:", update, noUpdates},
-        Fault{"NSBundle privateFrameworksURL", update, noUpdates},
-        Fault{"NSURL URLByAppendingPathComponent:", update, noUpdates},
-        Fault{"NSBundle initWithURL:", update, noUpdates}, Fault{"NSBundle load", update, noUpdates},
-        Fault{"SPUStandardUpdaterController initWithStartingUpdater:updaterDelegate:userDriverDelegate:", update,
-              noUpdates},
-        Fault{"SPUStandardUpdaterController checkForUpdates:", update, launch + terminate},
-        Fault{"NSURL URLWithString:", "menu Developer", launch + terminate},
-        Fault{"NSWorkspace openURL:", "menu Developer", launch + terminate},
-        Fault{"NSWindow initWithContentRect:styleMask:backing:defer:", openAndClose, noWindow},
-        Fault{"NSWindowController initWithWindow:", openAndClose, launch + "lost\tclose\n" + copied + terminate},
-        Fault{"NSWindowController window", openAndClose, noWindow},
-        Fault{"NSWindow contentView", "menu Settings…",
-              launch + "window\tTarnwick Settings\t540\t695\n" + front + terminate},
-        Fault{"NSWindow screen", "menu Settings…", launch + shown + terminate},
-        Fault{"NSView layer", "menu Settings…", launch + shown + terminate},
-        Fault{"NSSavePanel URL", "menu Settings…\nclick \"Choose App…\"\nchoose /\nshow defaults",
-              launch + shown + "panel\tChoose Application to Exempt\nanswer\t/\ndefault\texemptBundleIDs\t-\n" +
-                  terminate},
-        Fault{"NSUserDefaults arrayForKey:", "down ctrl+c", launch + copied + terminate},
-        Fault{"AXUIElementCreateSystemWide", "front Finder\ndown forwarddelete",
-              launch + swallowed + asked + terminate},
-        // Nobody looks whether the Finder came: the keys go to whoever is in front.
-        Fault{"NSRunningApplication activateWithOptions:",
-              "front Finder\ndown forwarddelete\nfront Editor\nclick \"Move to Bin\"\nwait 1",
-              launch + swallowed + asked + "answer\tMove to Bin\n" + posted +
-                  keyLine("key\tEditor\tdown", "cmd+delete") + keyLine("key\tEditor\tup", "cmd+delete") + terminate}));
+const std::string posted = keyLine("post\tdown", "cmd+delete") + keyLine("post\tup", "cmd+delete");
 
 /// The exempt applications that the session begins with and does not touch.
 const PropertyList kept = PropertyList::Array{u"a.kept"};

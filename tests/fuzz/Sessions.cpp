@@ -11,33 +11,6 @@
 namespace desktop {
 namespace {
 
-/// What a session can say: a kind of word, then its choices. A name of a kind among them stands for one of that kind.
-/// What is worth doing often is there more than once.
-constexpr std::string_view grammarOfSessions = R"words(
-LINE|press KEYS|press KEYS|press KEYS TIMES|press forwarddelete|down KEYS|up KEYS|raw down CODE FLAGS|raw up CODE FLAGS
-LINE|front APP|front Finder|front Finder|focus ROLE|app APP|app APP ID|end APP|trust TRUST|taps GRANT|screen SIZE SIZE
-LINE|screen none|launch|tap TAP|menu ENTRY|menu Settings…|click TITLE|click TITLE TIMES|click ANSWER|click ANSWER
-LINE|click "Choose App…"|choose PATH|choose PATH|cancel|close|resize SIZE SIZE|wait SECONDS|wait 1|show WHAT|quit
-LINE|draw /dev/null
-KEYS|ctrl+c|ctrl+y|ctrl+left|shift+2|win+l|f2|forwarddelete|return|escape|ctrl+shift+z|cmd+delete|a
-TIMES|1|2|3|7
-CODE|0x75|0x78|8|0xffff|0
-FLAGS|0|0x40000|0x840101|0xffffffffffffffff
-APP|Editor|Finder|Mail|Tarnwick|none|""
-ID|com.apple.finder|com.example.mail|app.tarnwick.Tarnwick|"e\xCC\x81"|""
-ROLE|AXTextField|AXComboBox|AXList|none
-TRUST|yes|no
-GRANT|auto|allow|refuse
-SIZE|0|540|1100|3000|99999999999
-TAP|timeout|input
-ENTRY|"Disable Tarnwick"|"Enable Tarnwick"|Developer|"Check for Updates..."|"Quit Tarnwick"
-TITLE|"Clipboard (Ctrl+C/V/X/A/Z)"|"Confirm before moving to Bin"|"About Tarnwick"|Remove|"Open Login Items"
-ANSWER|OK|"Move to Bin"|Cancel
-PATH|/Applications/Editor.app|/Applications/Finder.app|/Applications/Mail.app|/|""
-SECONDS|0|0.05|0.049|60|99999999999
-WHAT|menu|window|alert|defaults
-)words";
-
 std::vector<std::string> split(std::string_view text, char separator) {
   std::vector<std::string> parts;
   for (std::size_t end = 0; end != std::string_view::npos; text.remove_prefix(std::min(end + 1, text.size()))) {
@@ -47,9 +20,10 @@ std::vector<std::string> split(std::string_view text, char separator) {
   return parts;
 }
 
+/// From sessions.words: what there is to say, by the kinds of words.
 std::map<std::string, std::vector<std::string>> kindsOfWords() {
   std::map<std::string, std::vector<std::string>> kinds;
-  for (const std::string& line : split(grammarOfSessions, '\n')) {
+  for (const std::string& line : split(contentsOf(TARNWICK_SOURCE_DIR "/tests/fuzz/sessions.words"), '\n')) {
     const auto choices = split(line, '|');
     auto& known = kinds[choices.front()];
     known.insert(known.end(), choices.begin() + 1, choices.end());
