@@ -179,11 +179,6 @@ TEST_F(SettingsWindowTest, FitsTheScreenThatItIsOnRatherThanTheMainOne) {
   open([&] { EXPECT_EQ(window().contentSize().height, 580); });
 }
 
-TEST_F(SettingsWindowTest, IsNeverSmallerThanItsMinimum) {
-  EXPECT_NE(desktop.play({"screen 400 300\n menu Settings…"}).find("window\tTarnwick Settings\t460\t500\n"),
-            std::string::npos);
-}
-
 TEST_F(SettingsWindowTest, MeasuresItsDocumentWheneverTheListOrTheWindowChanges) {
   desktop.store(u"exemptBundleIDs", PropertyList::Array{u"org.a", u"org.b"});
   double one = 0;
