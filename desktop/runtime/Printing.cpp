@@ -63,6 +63,7 @@ std::string printable(std::string_view text) {
 
 void complain(std::string_view sentence) {
   const std::string line = printable(sentence) + '\n';
+  std::fflush(stdout); // where both go the same way, things are told in the order in which they happen
   std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
