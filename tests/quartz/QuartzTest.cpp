@@ -84,17 +84,5 @@ TEST(QuartzDeathTest, MistakesOfTheProgramStopIt) {
   }
 }
 
-TEST(Focus, MayBeElsewhereThanInFront) {
-  TestDesktop desktop;
-  const std::string passed = keyLine("key\tFinder\tdown", "forwarddelete");
-  const std::string trace = desktop.play({"front Finder\n launch",
-                                          [&] {
-                                            Applications& applications = desktop.machine.applications;
-                                            applications.focusElsewhere = shared(applications.named("Editor"));
-                                          },
-                                          "down forwarddelete"});
-  EXPECT_EQ(trace, "status\timage\n" + passed + "terminate\n") << "somebody types a text, so nothing goes to the Bin";
-}
-
 } // namespace
 } // namespace desktop
