@@ -10,9 +10,8 @@ namespace {
 
 struct Workspace : Object {
   static RunningApplication* frontmostApplication() {
-    static const std::string call = "NSWorkspace frontmostApplication"; // made once: each key asks
     ++Queries::current().frontmost;
-    if (fails(call)) return nullptr;
+    if (fails("NSWorkspace frontmostApplication")) return nullptr;
     return Applications::current().frontmost.get();
   }
   static BOOL openURL(URL* url) {
@@ -33,11 +32,11 @@ Ref<Array> runningApplicationsWithBundleIdentifier(String* identifier) {
   return found;
 }
 
-Ref<String> bundleIdentifier(RunningApplication& application) {
-  static const std::string call = "NSRunningApplication bundleIdentifier";
-  if (fails(call)) return nullptr;
-  const Ref<String>& own = application.identifier;
-  return !own || Applications::current().lendIdentifiers ? own : string(own->text);
+String* bundleIdentifier(RunningApplication& application) {
+  if (fails("NSRunningApplication bundleIdentifier")) return nullptr;
+  String* const own = application.identifier.get();
+  if (own == nullptr || Applications::current().lendIdentifiers) return own;
+  return static_cast<String*>(autorelease(string(own->text).detach()));
 }
 
 BOOL activateWithOptions(RunningApplication& application, NSUInteger options) {

@@ -104,9 +104,8 @@ void Bundle::close() {
 }
 
 String* Bundle::bundleIdentifier() const {
-  static const std::string call = "NSBundle bundleIdentifier"; // made once: each key asks
   if (isMain) ++Queries::current().ownIdentifier;
-  if (fails(call)) return nullptr;
+  if (fails("NSBundle bundleIdentifier")) return nullptr;
   return identifier.get();
 }
 

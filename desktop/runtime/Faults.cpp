@@ -3,7 +3,6 @@
 namespace desktop {
 
 bool Faults::strikes(const std::string& call) {
-  if (failing.empty() && failingOfAll < 0) return false; // keys pass here, and nobody counts them
   if (++madeOfAll == failingOfAll) {
     failedOfAll = call;
     return true;
@@ -13,9 +12,9 @@ bool Faults::strikes(const std::string& call) {
   return found != failing.end() && (found->second == every || found->second == number);
 }
 
-bool fails(const std::string& call) {
+bool isToFail(const char* name, const char* selector) {
   Faults* const faults = Faults::existing();
-  return faults != nullptr && faults->strikes(call);
+  return faults != nullptr && faults->strikes(selector != nullptr ? std::string(name) + ' ' + selector : name);
 }
 
 } // namespace desktop

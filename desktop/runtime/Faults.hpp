@@ -15,10 +15,18 @@ class Faults : public Part<Faults> {
 public:
   static constexpr long every = 0;
 
+  ~Faults() { anyFails = false; }
+
   /// Makes the `nth` of these calls fail, counted from 1 and from when something was first to fail.
-  void fail(const std::string& call, long nth = every) { failing[call] = nth; }
+  void fail(const std::string& call, long nth = every) {
+    failing[call] = nth;
+    anyFails = true;
+  }
   /// Makes the `nth` of all calls that can fail do so, whichever it is.
-  void failAny(long nth) { failingOfAll = nth; }
+  void failAny(long nth) {
+    failingOfAll = nth;
+    anyFails = true;
+  }
   /// The call that `failAny` made fail; empty while there were not so many.
   const std::string& failed() const { return failedOfAll; }
 

@@ -71,7 +71,7 @@ void deallocate(Object* object) {
 }
 
 id alloc(id self, SEL) {
-  if (fails(reinterpret_cast<Class>(self)->name + " alloc")) return nullptr;
+  if (fails(reinterpret_cast<Class>(self)->name.c_str(), "alloc")) return nullptr;
   return allocate(reinterpret_cast<Class>(self));
 }
 id initialise(id self, SEL) {
