@@ -152,7 +152,7 @@ std::optional<struct stat> replaceable(const std::filesystem::path& path) {
 /// replace whatever appears there in between. Answers the name.
 std::string keepAside(const std::filesystem::path& path) {
   for (int count = 1;; ++count) {
-    const auto aside = path.string() + ".broken" + (count > 1 ? "-" + std::to_string(count) : "");
+    auto aside = path.string() + ".broken" + (count > 1 ? "-" + std::to_string(count) : "");
     const Descriptor taken(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!taken && errno == EEXIST) continue;
     if (taken && ::rename(path.c_str(), aside.c_str()) == 0) return aside;
