@@ -64,8 +64,8 @@ std::vector<std::string> splitWords(std::string_view line) {
 }
 
 std::string asWord(std::string_view word) {
-  const std::string safe = escaped(word);
-  if (!word.empty() && safe == word && word.find_first_of(" ") == std::string_view::npos && word.front() != '#' &&
+  std::string safe = escaped(word);
+  if (!word.empty() && safe == word && word.find(' ') == std::string_view::npos && word.front() != '#' &&
       word.front() != '"')
     return safe;
   std::string quoted = "\"";
