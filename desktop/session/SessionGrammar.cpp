@@ -154,7 +154,8 @@ SessionGrammar::SessionGrammar(std::string sessionName) : file(std::move(session
 
 std::variant<std::monostate, Command, Mistake> SessionGrammar::read(std::string_view text) {
   ++line;
-  if (text.ends_with('\r')) text.remove_suffix(1); // a Windows line end
+  // The end of a Windows line; two, when a file was made into such a one twice.
+  text = text.substr(0, text.find_last_not_of('\r') + 1);
   try {
     const std::vector<std::string> lineWords = splitWords(text);
     if (lineWords.empty()) return {};
