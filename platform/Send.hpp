@@ -153,8 +153,7 @@ Result callSuper(id receiver, Class superclass, SEL selector, Arguments... argum
 template <Literal name, class Receiver, class Result, class... Arguments>
 Result call(id receiver, Arguments... arguments) {
   static desktop::CallSite site;
-  if (receiver->isa != site.cls)
-    site = desktop::resolved(receiver, name.text, methodEncoding<Result, Arguments...>.text);
+  if (receiver->isa != site.cls) desktop::resolve(site, receiver, name.text, methodEncoding<Result, Arguments...>.text);
   // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): every receiver has a class, so the first one is resolved
   return reinterpret_cast<Method<Result, Arguments...>>(site.method)(receiver, site.selector, arguments...);
 }

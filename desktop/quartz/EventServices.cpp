@@ -37,10 +37,15 @@ Ref<Event> makeEvent(CGEventType type, std::uint16_t code, CGEventFlags flags) {
   return event;
 }
 
+[[gnu::cold, gnu::noinline]] void note(std::string_view function, const Event& event) {
+  event.calls->push_back(function);
+}
+
 /// The event behind a reference, in a call of the function of that name.
-Event& eventIn(std::string_view function, CGEventRef reference) {
+inline Event& eventIn(std::string_view function, CGEventRef reference) {
   Event& event = *objectBehind<Event>(reference);
-  if (event.calls != nullptr) event.calls->push_back(function);
+  if (event.calls != nullptr) [[unlikely]]
+    note(function, event);
   return event;
 }
 

@@ -66,7 +66,8 @@ struct CallSite {
   SEL selector = nullptr;
   IMP method = nullptr;
 };
-[[gnu::cold]] CallSite resolved(id receiver, const char* selector, const char* encoding);
+/// Looks the method up and remembers it. Kept out of its callers, which would save registers for it at each key.
+[[gnu::cold, gnu::noinline]] void resolve(CallSite& site, id receiver, const char* selector, const char* encoding);
 
 [[noreturn, gnu::cold]] void stopAsReleased(const Object* object, const char* what);
 /// The last reference is gone.

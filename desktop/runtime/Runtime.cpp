@@ -98,9 +98,9 @@ Class livingClass(const objc_object* object) {
 
 } // namespace
 
-void stop(const std::string& sentence) {
+void stop(std::string_view sentence) {
   std::fflush(stdout);
-  complain("tarnwick: " + sentence);
+  complain("tarnwick: " + std::string(sentence));
   std::abort();
 }
 
@@ -142,9 +142,9 @@ IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
   return method->implementation;
 }
 
-CallSite resolved(id receiver, const char* selector, const char* encoding) {
+void resolve(CallSite& site, id receiver, const char* selector, const char* encoding) {
   const SEL registered = sel_registerName(selector);
-  return {receiver->isa, registered, methodFor(receiver, nullptr, registered, encoding)};
+  site = {receiver->isa, registered, methodFor(receiver, nullptr, registered, encoding)};
 }
 
 void stopAsReleased(const Object* object, const char* what) {

@@ -20,7 +20,7 @@ using platform::NSRange;
 using platform::NSUInteger;
 
 /// Prints "tarnwick: SENTENCE" on standard error and ends the process by abort.
-[[noreturn]] void stop(const std::string& sentence);
+[[noreturn, gnu::cold]] void stop(std::string_view sentence);
 
 /// Released when the innermost pool ends.
 id autorelease(id object);
@@ -198,7 +198,9 @@ inline bool anyFails = false;
 [[gnu::cold]] bool isToFail(const char* name, const char* selector);
 /// Whether a call is to fail: a function by its name, or a method by its class and selector.
 inline bool fails(const char* name, const char* selector = nullptr) {
-  return anyFails && isToFail(name, selector);
+  if (!anyFails) [[likely]]
+    return false;
+  return isToFail(name, selector);
 }
 
 namespace native {
