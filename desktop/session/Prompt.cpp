@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 namespace desktop {
 
@@ -61,6 +62,17 @@ void Prompt::answerLast() {
 
 std::optional<Command> Prompt::next() {
   answerLast();
+  if (!typed) typed = read();
+  if (typed && impliesLaunch(typed->verb) && !std::exchange(launched, true) && typed->verb != Verb::Launch) {
+    Command launch;
+    launch.verb = Verb::Launch;
+    return launch;
+  }
+  unanswered = std::exchange(typed, std::nullopt);
+  return unanswered;
+}
+
+std::optional<Command> Prompt::read() {
   while (auto line = nextLine()) {
     const std::string_view word = firstWord(*line);
     if (word == "exit") return std::nullopt;
@@ -70,10 +82,7 @@ std::optional<Command> Prompt::next() {
     }
     auto read = grammar.read(*line);
     if (const auto* mistake = std::get_if<Mistake>(&read)) complain(complaint(mistake->what, *line));
-    if (auto* command = std::get_if<Command>(&read)) {
-      unanswered = *command;
-      return std::move(*command);
-    }
+    if (auto* command = std::get_if<Command>(&read)) return std::move(*command);
   }
   std::fputs("\n", stdout);
   return std::nullopt;

@@ -23,15 +23,21 @@ public:
   /// From now on every command is answered: where nothing else is told of it, by what came of it, and where it was
   /// lost, by what there is. Takes over the journal's reader and remark, which go on hearing all.
   void answer(Say say);
+  /// The next command. Where one launches Tarnwick without saying so, `launch` comes first, so that what the launch
+  /// tells is not taken for its answer.
   std::optional<Command> next();
 
 private:
   void answerLast();
+  std::optional<Command> read();
 
   Desktop& desktop;
   NextLine nextLine;
   Say say;
   SessionGrammar grammar{"-"};
+  /// What has been typed and not been asked for yet.
+  std::optional<Command> typed;
+  bool launched = false;
   /// The one that is being carried out, until something is told of it.
   std::optional<Command> unanswered;
 };

@@ -84,11 +84,12 @@ TEST_F(CommandTest, AnswersAtThePrompt) {
   Terminal terminal(folder.path, {});
   EXPECT_NE(terminal.shown().find("help"), std::string::npos) << "no greeting";
   const std::pair<const char*, const char*> rows[] = {
+      {"menu Settings...",
+       "image\n    nothing to act on\n    did you mean Settings…? the menu has: \"Disable Tarnwick\", S"},
       {"press control+c", "Editor receives Cmd+C pressed\n"},
       {"menu \"Disable Tarnwick\"", "    Tarnwick is disabled\n"},
       {"\x1b[A\x1b[A", "Editor receives Ctrl+C pressed\n"},       // up twice: the line before the last one, anew
       {"press b\x02shift+", "Editor receives Shift+B pressed\n"}, // in front of the b
-      {"menu Settings...", "nothing to act on\n    did you mean Settings…? the menu has: \"Enable Tarnwick\", Set"},
       {"menu \"Check for Updates...\"", "    \"Check for Updates...\" is grey\n"},
       {"front finder", "did you mean Finder? there run: Editor, Finder, Tarnwick\n"},
       {"front Finder", "    Finder is in front\n"},
