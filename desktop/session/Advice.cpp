@@ -3,6 +3,7 @@
 #include "desktop/session/WindowCommands.hpp"
 #include "desktop/session/Words.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace desktop {
@@ -29,11 +30,35 @@ std::string folded(std::string_view name) {
   return rest;
 }
 
-bool isNear(std::string_view name, std::string_view other) {
-  const std::string one = folded(name);
-  const std::string two = folded(other);
-  if (one.empty() || two.empty()) return false;
-  return one.find(two) != std::string::npos || two.find(one) != std::string::npos;
+std::string_view from(std::size_t place, std::string_view name) {
+  return name.substr(std::min(place, name.size()));
+}
+
+/// Whether so many slips make one of the other: a letter that is wrong, missing or too much, or two that are swapped.
+bool isWithin(std::size_t slips, std::string_view one, std::string_view other) {
+  while (!one.empty() && !other.empty() && one.front() == other.front()) {
+    one.remove_prefix(1);
+    other.remove_prefix(1);
+  }
+  if (slips == 0 || (one.empty() && other.empty())) return one == other;
+  const bool swapped = one.size() > 1 && other.size() > 1 && one[0] == other[1] && one[1] == other[0];
+  return isWithin(slips - 1, from(1, one), from(1, other)) || isWithin(slips - 1, from(1, one), other) ||
+         isWithin(slips - 1, one, from(1, other)) || (swapped && isWithin(slips - 1, from(2, one), from(2, other)));
+}
+
+bool isPart(std::string_view one, std::string_view other) {
+  return std::min(one.size(), other.size()) > 1 &&
+         (one.find(other) != std::string_view::npos || other.find(one) != std::string_view::npos);
+}
+
+constexpr std::size_t lastStep = 3;
+
+/// From near to far: no slip, one, two, and at last a part of the name; in a short name a second slip, and in a very
+/// short one any, makes another name.
+bool isNear(std::size_t step, std::string_view one, std::string_view other) {
+  if (one.empty() || other.empty()) return false;
+  if (step == lastStep) return isPart(one, other);
+  return step * 3 <= std::max(one.size(), other.size()) && isWithin(step, one, other);
 }
 
 std::string offer(std::string_view wanted, const std::string& where, const Names& names) {
@@ -106,9 +131,11 @@ std::string outcomeOfMenu(const std::string& title) {
 } // namespace
 
 std::string nearMatches(std::string_view name, const Names& names) {
+  const std::string wanted = folded(name);
   Names near;
-  for (const std::string& other : names)
-    if (isNear(name, other)) near.push_back(other);
+  for (std::size_t step = 0; near.empty() && step <= lastStep; ++step)
+    for (const std::string& other : names)
+      if (isNear(step, wanted, folded(other))) near.push_back(other);
   return near.empty() ? "" : "did you mean " + listed(near) + "? ";
 }
 

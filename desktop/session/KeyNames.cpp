@@ -23,9 +23,12 @@ constexpr Modifier modifiers[] = {
     {"Cmd", kCGEventFlagMaskCommand},
     {"Command", kCGEventFlagMaskCommand},
     {"Win", kCGEventFlagMaskCommand},
+    {"Super", kCGEventFlagMaskCommand},
+    {"Meta", kCGEventFlagMaskCommand},
     {"Ctrl", kCGEventFlagMaskControl},
     {"Control", kCGEventFlagMaskControl},
     {"Option", kCGEventFlagMaskAlternate},
+    {"Opt", kCGEventFlagMaskAlternate},
     {"Alt", kCGEventFlagMaskAlternate},
     {"Shift", kCGEventFlagMaskShift},
     {"Caps", kCGEventFlagMaskAlphaShift},
@@ -73,12 +76,12 @@ constexpr Key keys[] = {
 };
 // clang-format on
 
-char lowered(char letter) {
+char lowerCase(char letter) {
   return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
 
 bool sameName(std::string_view one, std::string_view other) {
-  return std::ranges::equal(one, other, {}, lowered, lowered);
+  return std::ranges::equal(one, other, {}, lowerCase, lowerCase);
 }
 
 /// The entry of that name, or null.
@@ -100,18 +103,34 @@ bool isFunctionKey(std::string_view name) {
   return name.size() > 1 && name[0] == 'F' && name[1] >= '0' && name[1] <= '9';
 }
 
-/// The names of a table that are wanted, in lower case; those that mean the same stand side by side, the others are set
-/// off by commas.
+bool isWord(std::string_view name) {
+  return name.size() > 1 && !isFunctionKey(name);
+}
+
+std::string lowered(std::string_view name) {
+  std::string word(name);
+  std::transform(word.begin(), word.end(), word.begin(), lowerCase);
+  return word;
+}
+
+/// The names of a table that are words, in lower case.
+template <class Entry, std::size_t size> std::vector<std::string> wordsOf(const Entry (&table)[size]) {
+  std::vector<std::string> words;
+  for (const Entry& entry : table)
+    if (isWord(entry.name)) words.push_back(lowered(entry.name));
+  return words;
+}
+
+/// The same as a text; those that mean the same stand side by side, the others are set off by commas.
 template <class Entry, std::size_t size, class Meaning>
-std::string listed(const Entry (&table)[size], Meaning Entry::*meaning, bool (*wanted)(std::string_view)) {
+std::string listed(const Entry (&table)[size], Meaning Entry::*meaning) {
   std::string list;
   for (const Entry& first : table) {
-    if (!wanted(first.name) || std::ranges::find(table, first.*meaning, meaning) != &first) continue;
+    if (!isWord(first.name) || std::ranges::find(table, first.*meaning, meaning) != &first) continue;
     list += list.empty() ? "" : ",";
     for (const Entry& same : table) {
-      if (same.*meaning != first.*meaning || !wanted(same.name)) continue;
-      list += list.empty() ? "" : " ";
-      std::transform(same.name.begin(), same.name.end(), std::back_inserter(list), lowered);
+      if (same.*meaning != first.*meaning || !isWord(same.name)) continue;
+      list.append(list.empty() ? "" : " ") += lowered(same.name);
     }
   }
   return list;
@@ -120,15 +139,22 @@ std::string listed(const Entry (&table)[size], Meaning Entry::*meaning, bool (*w
 } // namespace
 
 std::string modifierNames() {
-  return listed(modifiers, &Modifier::flag, [](std::string_view) { return true; });
+  return listed(modifiers, &Modifier::flag);
 }
 
 std::string keyNames() {
   std::string list = "letters, digits, the signs";
   for (const Key& key : keys)
     if (key.name.size() == 1 && !isLetterOrDigit(key.name[0])) list.append(" ").append(key.name);
-  return list + ", f1 to f20, " +
-         listed(keys, &Key::code, [](std::string_view name) { return name.size() > 1 && !isFunctionKey(name); });
+  return list + ", f1 to f20, " + listed(keys, &Key::code);
+}
+
+std::vector<std::string> modifierWords() {
+  return wordsOf(modifiers);
+}
+
+std::vector<std::string> keyWords() {
+  return wordsOf(keys);
 }
 
 KeyStroke keyNamed(std::string_view name) {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace desktop {
 
@@ -27,5 +28,9 @@ std::string describeKey(std::uint16_t code, std::uint64_t flags);
 /// All names of modifiers, and of keys, as a text for people: `cmd command win, ctrl control, ...`.
 std::string modifierNames();
 std::string keyNames();
+
+/// The same one by one, but for letters, digits, signs and function keys: what may be written wrong.
+std::vector<std::string> modifierWords();
+std::vector<std::string> keyWords();
 
 } // namespace desktop

@@ -28,11 +28,16 @@ std::string_view firstWord(std::string_view line) {
   return line.substr(0, line.find_first_of(blanks));
 }
 
-/// A sentence about what is wrong with the line, and where to look.
-std::string complaint(const std::string& wrong, std::string_view line) {
-  const std::string look = "help lists all there are";
-  if (wrong.starts_with("unknown command")) return wrong + "; " + nearMatches(firstWord(line), commandNames()) + look;
-  return wrong.starts_with("unknown key") || wrong.starts_with("unknown modifier") ? wrong + "; " + look : wrong;
+/// The names that a mistake may be about, by the words before the unknown one.
+constexpr std::pair<std::string_view, std::vector<std::string> (*)()> known[] = {
+    {"unknown command ", commandNames}, {"unknown key ", keyWords}, {"unknown modifier ", modifierWords}};
+
+/// The mistake as a sentence, with what was perhaps meant and where to look.
+std::string complaint(const std::string& wrong) {
+  for (const auto& [beginning, names] : known)
+    if (wrong.starts_with(beginning))
+      return wrong + "; " + nearMatches(wrong.substr(beginning.size()), names()) + "help lists all there are";
+  return wrong;
 }
 
 } // namespace
@@ -81,7 +86,7 @@ std::optional<Command> Prompt::read() {
       continue;
     }
     auto read = grammar.read(*line);
-    if (const auto* mistake = std::get_if<Mistake>(&read)) complain(complaint(mistake->what, *line));
+    if (const auto* mistake = std::get_if<Mistake>(&read)) complain(complaint(mistake->what));
     if (auto* command = std::get_if<Command>(&read)) return std::move(*command);
   }
   std::fputs("\n", stdout);

@@ -92,6 +92,7 @@ TEST_F(CommandTest, AnswersAtThePrompt) {
       {"press b\x02shift+", "Editor receives Shift+B pressed\n"}, // in front of the b
       {"menu \"Check for Updates...\"", "    \"Check for Updates...\" is grey\n"},
       {"front finder", "did you mean Finder? there run: Editor, Finder, Tarnwick\n"},
+      {"front Edtor", "did you mean Editor? there run: "},
       {"front Finder", "    Finder is in front\n"},
       {"click Bold", "neither an alert nor a window is open\n"},
       {"menu Settings…", "    window \"Tarnwick Settings\""},
@@ -101,6 +102,11 @@ TEST_F(CommandTest, AnswersAtThePrompt) {
       {"click \"Choose App…\"", "    panel "},
       {"close", "    the open panel waits: choose PATH, or cancel\n"},
       {"Quit", "\nunknown command \"Quit\"; did you mean quit? help lists all there are\n"},
+      {"meun", "\nunknown command \"meun\"; did you mean menu? help"},
+      {"lunhc", "\nunknown command \"lunhc\"; did you mean launch? help"},
+      {"press ctl+c", "\nunknown modifier \"ctl\"; did you mean ctrl? help"},
+      {"press ctrl+ecape", "\nunknown key \"ecape\"; did you mean escape? help"},
+      {"press insert", "\nunknown key \"insert\"; help"},
       {"resize 5", "\nmissing H: resize W H\n"},
       {"help", "\n  press KEYS [TIMES]  "},
       {"\x04", ""}, // Ctrl+D

@@ -33,7 +33,7 @@ TEST(KeyNames, AreThePlatformsOwn) {
 
 // What helps and pages list is typed as it stands there, and of names that stand side by side each means the same.
 TEST(KeyNames, AreListedAsTheyAreTyped) {
-  EXPECT_EQ(modifierNames(), "cmd command win, ctrl control, option alt, shift, caps, fn");
+  EXPECT_EQ(modifierNames(), "cmd command win super meta, ctrl control, option opt alt, shift, caps, fn");
   const std::string all = keyNames();
   const std::string signsEnd = "f20,";
   std::istringstream list(all.substr(all.find(signsEnd) + signsEnd.size()));
