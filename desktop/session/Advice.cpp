@@ -79,6 +79,14 @@ Names buttonsOf(const Alert& alert) {
   return names;
 }
 
+/// What the open panel can show of the folder that it opens in.
+Names installedApplications(const Desktop& desktop) {
+  Names paths;
+  for (const auto& [path, identifier] : desktop.installed)
+    paths.push_back(path);
+  return paths;
+}
+
 std::string adviceOnMenu(const Menu* menu, const std::string& title) {
   if (menu == nullptr) return "Tarnwick has no menu";
   const MenuItem* const grey = menu->itemWithTitle(title);
@@ -112,7 +120,8 @@ std::string adviceOnProgram(const Desktop& desktop, const Command& command) {
   if (desktop.appKit.isTerminated) return "Tarnwick has quit, and nothing more comes of it; exit leaves the prompt";
   if (const Alert* const alert = desktop.appKit.frontAlert())
     return offer(command.title, "an alert waits for a click on one of its buttons", buttonsOf(*alert));
-  if (desktop.appKit.frontPanel() != nullptr) return "the open panel waits: choose PATH, or cancel";
+  if (desktop.appKit.frontPanel() != nullptr)
+    return "the open panel waits: choose PATH, or cancel; it lists: " + listed(installedApplications(desktop));
   return adviceUnlessBlocked(desktop, command);
 }
 
@@ -120,6 +129,20 @@ std::string outcomeOfClick(const Desktop& desktop, const Command& command) {
   const Button* const button = buttonInWindow(desktop.appKit, command.title, command.row);
   if (button == nullptr || !button->isCheckbox()) return "clicked";
   return asWord(command.title) + (button->isOn() ? " is on" : " is off");
+}
+
+/// As it is added to the exemptions; empty where the path leads to no application, or to one that cannot be told apart.
+std::string identifierAt(const std::string& path) {
+  const Ref<Bundle> bundle(platform::adopt, create<Bundle>().detach()->initWithURL(fileURL(path).get()));
+  if (!bundle || !bundle->identifier) return "";
+  return textOf(bundle->identifier->stringByTrimmingCharactersInSet(create<CharacterSet>().get()).get());
+}
+
+std::string outcomeOfChoice(const Desktop& desktop, const std::string& path) {
+  const std::string identifier = identifierAt(path);
+  if (!identifier.empty()) return asWord(identifier) + " is exempt";
+  return "no application with an identifier is there, and none is exempted; " +
+         offer(path, "the panel lists", installedApplications(desktop));
 }
 
 std::string outcomeOfMenu(const std::string& title) {
@@ -142,6 +165,8 @@ std::string nearMatches(std::string_view name, const Names& names) {
 std::string adviceFor(const Desktop& desktop, const Command& command) {
   switch (command.verb) {
   case Verb::End:
+    if (command.name == "Tarnwick" && desktop.applications.tarnwick) return adviceOnProgram(desktop, command);
+    [[fallthrough]];
   case Verb::Front:
     return offer(*command.name, "there run", applications(desktop));
   case Verb::Focus:
@@ -171,6 +196,8 @@ std::string outcomeOf(const Desktop& desktop, const Command& command) {
     return outcomeOfMenu(command.title);
   case Verb::Click:
     return outcomeOfClick(desktop, command);
+  case Verb::Choose:
+    return outcomeOfChoice(desktop, command.path);
   case Verb::Close:
     return "the window is closed";
   case Verb::Draw:

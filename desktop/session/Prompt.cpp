@@ -48,11 +48,13 @@ void Prompt::answer(Say tellPerson) {
   say = std::move(tellPerson);
   desktop.journal.reader = [this, reader = desktop.journal.reader](const JournalEntry& entry) {
     reader(entry);
-    if (entry.front() == "lost" && unanswered) {
+    if (!unanswered) return;
+    if (entry.front() == "lost" || entry.front() == "panel") {
       const std::string advice = adviceFor(desktop, *unanswered);
       if (!advice.empty()) say(advice);
     }
-    unanswered.reset();
+    // What comes of a choice is only known once the program has looked at it.
+    if (entry.front() != "answer" || unanswered->verb != Verb::Choose) unanswered.reset();
   };
   desktop.journal.remark = [this, remark = desktop.journal.remark](const std::string& sentence) {
     remark(sentence);
