@@ -1,7 +1,7 @@
 #include "desktop/session/Help.hpp"
 #include "desktop/session/KeyNames.hpp"
 #include "desktop/session/Patterns.hpp"
-#include "tests/support/TestDesktop.hpp"
+#include "tests/support/Command.hpp"
 
 #include <regex>
 
@@ -51,9 +51,13 @@ std::string shown(std::string page, const std::vector<std::pair<std::string, std
   return page;
 }
 
+std::string manualPage() {
+  return shown(contentsOf(project / "docs" / "tarnwick.1"),
+               {{"\\-", "-"}, {"\\(aq", "'"}, {"\\(ga", "`"}, {"\\e", "\\"}});
+}
+
 TEST(Pages, ListWhatTheCommandKnows) {
-  const std::string manual =
-      shown(contentsOf(project / "docs" / "tarnwick.1"), {{"\\-", "-"}, {"\\(aq", "'"}, {"\\(ga", "`"}, {"\\e", "\\"}});
+  const std::string manual = manualPage();
   const std::string sessions = shown(contentsOf(project / "docs" / "sessions.md"), {{"\\|", "|"}});
   std::string section = ".SH OPTIONS\n";
   const auto add = [&](const std::string& written, std::string_view purpose) {
@@ -74,6 +78,21 @@ TEST(Pages, ListWhatTheCommandKnows) {
   for (const std::string& page : {manual, sessions})
     for (const std::string& names : {modifierNames(), keyNames()})
       EXPECT_NE(page.find(names), std::string::npos) << "a page lacks " << names;
+}
+
+TEST(Pages, ShowAnExampleAsItGoes) {
+  const std::string manual = manualPage();
+  const auto begin = manual.find(".EX\n> ") + 4;
+  std::string example = manual.substr(begin, manual.find(".EE\n") - begin);
+  const TemporaryFolder folder;
+  Terminal terminal(folder.path, {});
+  terminal.shown();
+  for (std::size_t size = 0; !example.empty(); example.erase(0, size)) {
+    size = std::min(example.find("\n> "), example.size() - 1) + 1;
+    const std::string lines = example.substr(2, size - 2);
+    const std::string seen = terminal.type(lines.substr(0, lines.find('\n') + 1));
+    EXPECT_TRUE(seen.ends_with(lines + (size < example.size() ? "> " : ""))) << seen << "but the page has\n" << lines;
+  }
 }
 
 } // namespace
