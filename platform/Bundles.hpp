@@ -23,7 +23,7 @@ public:
 class NSBundle : public NSObject {
 public:
   using NSObject::NSObject;
-  static const NSBundle& mainBundle() {
+  static Lent<NSBundle> mainBundle() {
     return madeOnce<[] { return send<"mainBundle", NSBundle>(theClass<"NSBundle">); }>();
   }
   /// Empty when there is no folder at that place.

@@ -48,8 +48,8 @@ private:
 template <class Type>
 concept Wrapper = std::derived_from<Type, NSObject>;
 
-/// A message's result that is used without a reference of one's own, for the key path's sake. It is valid as long as
-/// both its receiver and the autorelease pool around it; what is to outlast them is copied into a `Type`.
+/// An object that is used without a reference of one's own, for the key path's sake. A message's result is valid as
+/// long as both its receiver and the autorelease pool around it; what is to outlast them is copied into a `Type`.
 template <class Type> class Lent : public Type {
 public:
   Lent() = default;

@@ -10,16 +10,16 @@ namespace platform {
 
 inline constexpr NSUInteger NSUTF8StringEncoding = 4;
 
-template <auto make> [[gnu::cold, gnu::noinline]] const auto* madeNow() {
-  return new auto(make());
+template <auto make> [[gnu::cold, gnu::noinline]] id madeNow() {
+  return make().detach();
 }
 
-/// What `make` answers, made on first use and kept as long as the process: for objects of which there is one. Main
-/// thread only; not a guarded static, so that the key path stays short.
-template <auto make> const auto& madeOnce() {
-  static const decltype(make())* made = nullptr;
+/// What `make` answers, made on first use and kept as long as the process: for objects of which there is one. Empty
+/// while it cannot be made. Main thread only; not a guarded static, so that the key path stays short.
+template <auto make> Lent<decltype(make())> madeOnce() {
+  static id made = nullptr;
   if (made == nullptr) made = madeNow<make>();
-  return *made;
+  return Lent<decltype(make())>(made);
 }
 
 /// A text of UTF-16 units. Equality is that of the units: no case folding, no normalisation.
@@ -37,7 +37,7 @@ public:
   NSString(const char* utf8) : NSString(std::string_view(utf8)) {}
 
   /// A constant, made once, so that the key path can compare with it.
-  template <Literal text> static const NSString& constant() {
+  template <Literal text> static Lent<NSString> constant() {
     return madeOnce<[] { return NSString(text.text); }>();
   }
   /// The same object under its CoreFoundation name; still owned by this value.

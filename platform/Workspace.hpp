@@ -21,7 +21,7 @@ public:
 class NSWorkspace : public NSObject {
 public:
   using NSObject::NSObject;
-  static const NSWorkspace& sharedWorkspace() {
+  static Lent<NSWorkspace> sharedWorkspace() {
     return madeOnce<[] { return send<"sharedWorkspace", NSWorkspace>(theClass<"NSWorkspace">); }>();
   }
 

@@ -30,7 +30,8 @@ bool KeyRemapper::isTypingInEditableField() const {
 }
 
 bool KeyRemapper::isFinderFrontmost() const {
-  return frontmostBundleID() == NSString::constant<finderBundleID>();
+  const Lent<NSString> bundleID = frontmostBundleID();
+  return bundleID && bundleID == NSString::constant<finderBundleID>();
 }
 
 Lent<NSString> KeyRemapper::frontmostBundleID() {

@@ -21,6 +21,8 @@ struct Registry {
   std::unordered_map<SEL, std::string> selectorTexts;
   /// A protocol is its name; it is known once somebody asked for it.
   std::set<std::string> protocols;
+  /// Those that somebody asked for in vain, so that nobody is blamed for not conforming to them.
+  std::set<std::string> missingProtocols;
   /// Classes of released instances, by the class they had.
   std::unordered_map<Class, std::unique_ptr<objc_class>> released;
   /// Memory of the last released instances, round and round: kept aside so that a late message is found out.
@@ -123,7 +125,7 @@ bool conformsTo(id object, const std::string& protocol) {
   for (Class each = livingClass(object); each != nullptr; each = each->superclass) {
     if (each->protocols.count(protocol) != 0) return true;
   }
-  return false;
+  return registry().missingProtocols.count(protocol) != 0;
 }
 
 IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {
@@ -284,7 +286,10 @@ BOOL class_addIvar(Class cls, const char* name, std::size_t size, std::uint8_t a
 }
 
 Protocol* objc_getProtocol(const char* name) {
-  if (desktop::fails("objc_getProtocol")) return nullptr;
+  if (desktop::fails("objc_getProtocol")) {
+    registry().missingProtocols.insert(name);
+    return nullptr;
+  }
   const auto known = registry().protocols.insert(name).first;
   return reinterpret_cast<Protocol*>(const_cast<std::string*>(&*known));
 }

@@ -68,6 +68,7 @@ template <class Type> Ref<Type> shared(Type* object) {
 Object* allocate(Class cls);
 bool isKindOf(const objc_object* object, Class cls);
 bool respondsTo(id object, const char* selector);
+/// True of everything while the protocol could not be found.
 bool conformsTo(id object, const std::string& protocol);
 /// Alive instances of a class and of those derived from it; 0 for an unknown one.
 long liveObjects(const std::string& className);

@@ -85,13 +85,13 @@ std::string keyLine(const std::string& beginning, std::string_view keys) {
   return beginning + '\t' + codeText(key.code) + '\t' + flagsText(key.flags) + '\n';
 }
 
-LeakCheck::LeakCheck() {
-  static const bool warm = (warmUp(), true);
-  static_cast<void>(warm);
+LeakCheck::LeakCheck(Start begun) : start(begun) {
+  static bool isWarm = false;
+  if (start == Start::Warm && !std::exchange(isWarm, true)) warmUp();
   before = liveObjects();
 }
 
-TestDesktop::TestDesktop() {
+TestDesktop::TestDesktop(Start start) : nothingLeaks(start) {
   const auto contents = bundle / "Contents";
   std::filesystem::create_directories(contents / "Resources");
   writeFile(contents / "Info.plist", writeXml(PropertyList::Dictionary{
