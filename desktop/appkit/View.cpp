@@ -185,7 +185,7 @@ void registerViewClasses() {
       .method<"setWantsLayer:", &View::setWantsLayer>()
       .fallibleMethod<"layer", &View::layer>()
       .method<"setIdentifier:", &View::setIdentifier>()
-      .method<"identifier", &View::identifier>()
+      .fallibleMethod<"identifier", &View::identifier>()
       .method<"setContentCompressionResistancePriority:forOrientation:", &View::setCompressionResistance>()
       .method<"leadingAnchor", &View::anchor<XAxisAnchor, across, Edge::Start>>()
       .method<"trailingAnchor", &View::anchor<XAxisAnchor, across, Edge::End>>()

@@ -54,7 +54,7 @@ void bringToFront(RunningApplication& application) {
 
 void registerWorkspaceClasses() {
   NativeClass<RunningApplication>("NSRunningApplication", "NSObject")
-      .classMethod<"runningApplicationsWithBundleIdentifier:", &runningApplicationsWithBundleIdentifier>()
+      .fallibleClassMethod<"runningApplicationsWithBundleIdentifier:", &runningApplicationsWithBundleIdentifier>()
       .method<"bundleIdentifier", &bundleIdentifier>()
       .fallibleMethod<"activateWithOptions:", &activateWithOptions>();
   NativeClass<Workspace>("NSWorkspace", "NSObject")

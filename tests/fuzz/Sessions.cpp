@@ -92,6 +92,7 @@ void expectEachOnce(const Command& line, const std::vector<JournalEntry>& happen
     ASSERT_LT(next, wanted.size()) << line.text << ": an event more than was typed or posted";
     const JournalEntry numbers(entry.end() - 3, entry.end());
     EXPECT_TRUE(isSwallowed ? numbers == wanted[next] : comesFrom(wanted[next], numbers)) << line.text;
+    EXPECT_TRUE(!isSwallowed || numbers[1] == codeText(kVK_ForwardDelete)) << line.text << " swallowed";
     ++next;
   }
   EXPECT_EQ(next, wanted.size()) << line.text << ": an event is lost";

@@ -2,6 +2,7 @@
 import ast
 import dataclasses
 import plistlib
+import re
 import shutil
 import struct
 import unittest
@@ -67,6 +68,15 @@ class Check(unittest.TestCase):
             self.assert_problem(f"takes _objc_getClass,? {sentence}", self.good, self.listed(*change))
         weak = fixture.SOURCE.replace("extern const void *k", "extern __attribute__((weak_import)) const void *k")
         self.assertRegex(self.problems(self.linked(weak))[0], "takes _kCFRunLoopCommonModes weakly")
+
+    def test_reach(self):
+        """No function of the table writes a file, connects to anything or starts a program: all are of these kinds."""
+        harmless = re.compile(
+            "_*(AX|CGEvent|kAX|kC[FG]|CFRunLoop|CFMachPort|CF(Equal|Hash|GetTypeID|Release|Retain)$|NSImageName|UTType|"
+            "class_|ivar_|objc_|sel_|dispatch_|(mem(cmp|cpy|move|set)|strlen|malloc|free|abort|cxa_atexit)$|stack_chk_)")
+        for library in self.libraries:
+            for symbol in library.symbols:
+                self.assertTrue(harmless.match(symbol.name), f"what can {symbol.name} reach?")
 
     def test_library_versions(self):
         newer = [dataclasses.replace(library, current="2500.1") if library.name == "AppKit" else library
