@@ -40,8 +40,9 @@ std::string textOf(const String* string) {
   return string != nullptr ? utf8(string->text) : std::string();
 }
 
-std::u16string unitsOf(const String* string) {
-  return string != nullptr ? string->text : std::u16string();
+const std::u16string& unitsOf(const String* string) {
+  static const std::u16string none;
+  return string != nullptr ? string->text : none;
 }
 
 String* String::initWithBytes(const void* bytes, NSUInteger length, NSUInteger encoding) {
@@ -97,8 +98,8 @@ Ref<String> String::stringByTrimmingCharactersInSet(Object* set) const {
   return string(std::u16string(first, last));
 }
 
-Ref<String> String::precomposedStringWithCanonicalMapping() const {
-  return string(composed(text));
+Ref<String> String::precomposedStringWithCanonicalMapping() {
+  return mayCompose(text) ? string(composed(text)) : shared(this);
 }
 
 void registerStringClasses() {

@@ -17,7 +17,7 @@ struct String : Object {
   void getCharacters(char16_t* units, NSRange range) const;
   Ref<String> stringByAppendingString(String* tail) const;
   Ref<String> stringByTrimmingCharactersInSet(Object* set) const;
-  Ref<String> precomposedStringWithCanonicalMapping() const;
+  Ref<String> precomposedStringWithCanonicalMapping();
 };
 
 /// Nothing here changes one.
@@ -26,9 +26,9 @@ struct MutableString : String {};
 /// An immutable string; the second form takes UTF-8.
 Ref<String> string(std::u16string_view text);
 Ref<String> string(std::string_view text);
-/// UTF-8 for people and traces, or the units; empty for none.
+/// UTF-8 for people and traces, or the units, which the string keeps; empty for none.
 std::string textOf(const String* string);
-std::u16string unitsOf(const String* string);
+const std::u16string& unitsOf(const String* string);
 
 /// A constant of the platform: there before the program begins, never released.
 CFStringRef constantString(std::u16string_view text);

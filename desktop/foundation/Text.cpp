@@ -76,11 +76,13 @@ std::string utf8(std::u16string_view text) {
   return bytes;
 }
 
-std::u16string composed(std::u16string_view text) {
+bool mayCompose(std::u16string_view text) {
   // Nothing composes with what comes before the combining characters.
   constexpr char16_t firstCombining = 0x300;
-  if (std::all_of(text.begin(), text.end(), [](char16_t unit) { return unit < firstCombining; }))
-    return std::u16string(text);
+  return std::any_of(text.begin(), text.end(), [](char16_t unit) { return unit >= firstCombining; });
+}
+
+std::u16string composed(std::u16string_view text) {
   // The library takes UTF-8 up to a NUL. NULs and lone surrogates, which it cannot be given, compose with nothing: what
   // lies between them is composed piece by piece.
   std::u16string result;

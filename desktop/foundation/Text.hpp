@@ -20,6 +20,8 @@ void append(std::u16string& text, char32_t point);
 bool isLeading(char32_t unit);
 bool isTrailing(char32_t unit);
 bool isSurrogate(char32_t point);
+/// False for a text that is sure to be its own composition, which is seen at a glance.
+bool mayCompose(std::u16string_view text);
 /// The canonical composition (NFC); surrogates without their other half stay.
 std::u16string composed(std::u16string_view text);
 
