@@ -5,7 +5,6 @@
 #include "platform/Constraints.hpp"
 
 #include <algorithm>
-#include <numeric>
 #include <unordered_map>
 
 namespace desktop {
@@ -111,14 +110,15 @@ private:
 };
 
 double stackLength(const StackView& stack, Axis axis) {
-  double sum = stack.arranged.empty() ? 0 : stack.spacing * static_cast<double>(stack.arranged.size() - 1);
+  double sum = -stack.spacing;
   double longest = 0;
-  for (View* view : stack.arranged) {
+  for (const auto& view : stack.subviews) {
+    if (!view->isArranged) continue;
     const double length = fitting(*view, axis).value_or(0);
-    sum += length;
+    sum += length + stack.spacing;
     longest = std::max(longest, length);
   }
-  return axis == stack.orientation ? sum : longest;
+  return axis == stack.orientation ? std::max(0.0, sum) : longest;
 }
 
 /// From what is inside it, once that has been measured.
@@ -167,45 +167,54 @@ void placeTied(View& view, Axis axis) {
   }
 }
 
+struct Stacked {
+  View* view;
+  double length;
+};
+
 /// Takes what is too much from the views that hold their content least. At the platform's default they hold it against
 /// the stack, and stand out at its end.
-void shorten(const StackView& stack, std::vector<double>& lengths, double excess) {
+void shorten(std::vector<Stacked>& row, Axis axis, double excess) {
   if (excess <= 0) return;
-  const auto resistance = [&](std::size_t index) {
-    return stack.arranged[index]->compressionResistance[static_cast<int>(stack.orientation)];
+  const auto resistance = [&](const Stacked* each) {
+    return each->view->compressionResistance[static_cast<int>(axis)];
   };
-  std::vector<std::size_t> order(lengths.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
-  std::erase_if(order, [&](std::size_t index) { return resistance(index) >= NSLayoutPriorityDefaultHigh; });
+  std::vector<Stacked*> order;
+  for (Stacked& each : row) {
+    if (resistance(&each) < NSLayoutPriorityDefaultHigh) order.push_back(&each);
+  }
   std::stable_sort(order.begin(), order.end(),
-                   [&](auto one, auto other) { return resistance(one) < resistance(other); });
-  for (const std::size_t index : order) {
-    const double taken = std::clamp(excess, 0.0, lengths[index]);
-    lengths[index] -= taken;
+                   [&](auto* one, auto* other) { return resistance(one) < resistance(other); });
+  for (Stacked* each : order) {
+    const double taken = std::clamp(excess, 0.0, each->length);
+    each->length -= taken;
     excess -= taken;
   }
 }
 
 void placeAlong(const StackView& stack) {
   const Axis axis = stack.orientation;
-  std::vector<double> lengths;
+  std::vector<Stacked> row;
+  row.reserve(stack.subviews.size());
   double sum = -stack.spacing;
-  for (View* view : stack.arranged) {
-    lengths.push_back(fitting(*view, axis).value_or(0));
-    sum += lengths.back() + stack.spacing;
+  for (const auto& view : stack.subviews) {
+    if (!view->isArranged) continue;
+    row.push_back({view.get(), fitting(*view, axis).value_or(0)});
+    sum += row.back().length + stack.spacing;
   }
-  shorten(stack, lengths, sum - along(stack.frame.size, axis));
+  shorten(row, axis, sum - along(stack.frame.size, axis));
   double start = 0;
-  for (std::size_t index = 0; index < lengths.size(); ++index) {
-    setSpan(*stack.arranged[index], axis, start, lengths[index]);
-    start += lengths[index] + stack.spacing;
+  for (const auto& [view, length] : row) {
+    setSpan(*view, axis, start, length);
+    start += length + stack.spacing;
   }
 }
 
 /// A view without a width of its own is as wide as its column, as a separator is; likewise for heights in a row.
 void placeAcross(const StackView& stack, Axis axis) {
   const double room = along(stack.frame.size, axis);
-  for (View* view : stack.arranged) {
+  for (const auto& view : stack.subviews) {
+    if (!view->isArranged) continue;
     const double length = std::min(fitting(*view, axis).value_or(room), room);
     setSpan(*view, axis, stack.alignment == platform::NSLayoutAttributeLeading ? 0 : (room - length) / 2, length);
   }
@@ -215,7 +224,7 @@ void placeAcross(const StackView& stack, Axis axis) {
 void place(View& view, Axis axis) {
   View::Measure& measured = measureOf(view, axis);
   const double length = along(view.frame.size, axis);
-  if (measured.placedAt == length) return;
+  if (measured.placedAt == length || view.subviews.empty()) return;
   if (const auto* stack = ifIs<StackView>(&view)) {
     axis == stack->orientation ? placeAlong(*stack) : placeAcross(*stack, axis);
   } else if (const auto* scroll = ifIs<ScrollView>(&view)) {

@@ -51,20 +51,18 @@ void View::addSubview(View* view) {
   const auto kept = shared(view);
   view->removeFromSuperview();
   view->superview = this;
-  subviews.push_back(kept);
+  view->isArranged = false;
+  view->place = subviews.insert(subviews.end(), kept);
   changed();
 }
 
 void View::removeFromSuperview() {
   if (superview == nullptr) return;
-  if (isArranged) static_cast<StackView*>(superview)->removeArrangedSubview(this);
   View& container = *std::exchange(superview, nullptr);
   std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
-  const auto isThis = [&](const auto& each) { return each.get() == this; };
-  // The superview's reference may be the last one; this keeps the view alive to the end of the function.
-  const auto kept = shared(this);
-  container.subviews.erase(std::find_if(container.subviews.begin(), container.subviews.end(), isThis));
   container.changed();
+  // The superview's reference may be the last one.
+  container.subviews.erase(place);
 }
 
 Axis axisOf(NSInteger orientation) {
@@ -107,19 +105,18 @@ void StackView::addArrangedSubview(View* view) {
   addSubview(view);
   view->translatesMask = false;
   view->isArranged = true;
-  arranged.push_back(view);
 }
 
 void StackView::removeArrangedSubview(View* view) {
   if (view->superview != this || !std::exchange(view->isArranged, false)) return;
-  arranged.erase(std::find(arranged.begin(), arranged.end(), view));
   changed();
 }
 
 Ref<Array> StackView::arrangedSubviews() const {
   auto array = create<Array>();
-  for (View* view : arranged)
-    array->elements.emplace_back(platform::share, view);
+  for (const auto& view : subviews) {
+    if (view->isArranged) array->elements.push_back(view);
+  }
   return array;
 }
 

@@ -10,8 +10,8 @@
 #include "desktop/foundation/Strings.hpp"
 #include "platform/View.hpp"
 
-#include <deque>
 #include <functional>
+#include <list>
 
 namespace desktop {
 
@@ -26,13 +26,14 @@ enum class Axis { Horizontal, Vertical };
 Axis axisOf(NSInteger orientation);
 
 struct View : Object {
-  /// From the back to the front. A double-ended queue, so that taking them out one by one from the first takes linear
-  /// time.
-  std::deque<Ref<View>> subviews;
+  /// From the back to the front.
+  std::list<Ref<View>> subviews;
   View* superview = nullptr;
+  /// Where it is among its superview's subviews: it leaves in one step, however many there are.
+  std::list<Ref<View>>::iterator place;
   CGRect frame{};
   BOOL translatesMask = true;
-  /// By its superview, a stack.
+  /// Whether its superview, a stack, lays it out.
   bool isArranged = false;
   NSUInteger autoresizingMask = 0;
   Ref<String> itsIdentifier;
@@ -86,9 +87,8 @@ struct Box : View {
   CGSize intrinsicContentSize() const;
 };
 
-/// Lays its arranged views out in a row or a column, packed towards the start.
+/// Lays those of its subviews that are arranged out in a row or a column, packed towards the start.
 struct StackView : View {
-  std::deque<View*> arranged;
   Axis orientation = Axis::Horizontal;
   /// A layout attribute: leading, centre-X or centre-Y.
   NSInteger alignment = platform::NSLayoutAttributeCenterY;
