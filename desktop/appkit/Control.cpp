@@ -68,7 +68,7 @@ Ref<TextField> TextField::labelWithString(String* value) {
 }
 
 std::vector<std::u16string> TextField::shownLines() const {
-  const std::u16string all = unitsOf(text.get());
+  const std::u16string& all = unitsOf(text.get());
   const double width = frame.size.width;
   if (lineBreakMode == platform::NSLineBreakByTruncatingMiddle) return {shortenedInMiddle(all, face(), width)};
   if (lineBreakMode != platform::NSLineBreakByWordWrapping) return {all};

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 namespace desktop {
 namespace {
@@ -36,12 +37,13 @@ int advanceOf(char16_t unit) {
 } // namespace
 
 double textWidth(std::u16string_view text, Typeface face) {
-  double sum = 0;
+  const int extra = face.bold ? boldExtra : 0;
+  std::int64_t sum = 0;
   for (const char16_t unit : text) {
     const int advance = advanceOf(unit);
-    sum += advance + (face.bold && advance > 0 ? boldExtra : 0);
+    sum += advance > 0 ? advance + extra : 0;
   }
-  return sum * face.size / 1000;
+  return static_cast<double>(sum) * face.size / 1000;
 }
 
 double lineHeight(Typeface face) {

@@ -68,6 +68,7 @@ std::optional<PropertyList> propertyListOf(id object) {
   if (const auto* data = ifIs<Data>(object)) return data->value;
   if (const auto* array = ifIs<Array>(object)) {
     PropertyList::Array values;
+    values.reserve(array->elements.size());
     for (const auto& element : array->elements) {
       auto value = propertyListOf(element.get());
       if (!value) return std::nullopt;

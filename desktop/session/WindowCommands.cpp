@@ -29,9 +29,10 @@ void forEachButton(const AppKit& appKit, const std::function<void(Button&)>& vis
 } // namespace
 
 Button* buttonInWindow(const AppKit& appKit, const std::string& title, std::uint64_t row) {
+  const auto units = utf16(title);
   Button* found = nullptr;
   forEachButton(appKit, [&](Button& button) {
-    if (textOf(button.title.get()) == title && row-- == 1) found = &button;
+    if (unitsOf(button.title.get()) == units && row-- == 1) found = &button;
   });
   return found;
 }
