@@ -144,17 +144,18 @@ bool followsFrames(View& view, Axis axis) {
 }
 
 /// Finds the fitting lengths of the view and of all inside it that are not known, each once.
-void measure(View& view, Axis axis) {
-  View::Measure& measured = measureOf(view, axis);
-  if (measured.isKnown) return;
-  measured.isKnown = true;
-  for (const auto& subview : view.subviews) {
-    measure(*subview, axis);
-    measured.isKnown = measured.isKnown && measureOf(*subview, axis).isKnown;
+void measure(View& view) {
+  if (measureOf(view, Axis::Horizontal).isKnown && measureOf(view, Axis::Vertical).isKnown) return;
+  for (const auto& subview : view.subviews)
+    measure(*subview);
+  for (const Axis axis : {Axis::Horizontal, Axis::Vertical}) {
+    View::Measure& measured = measureOf(view, axis);
+    if (measured.isKnown) continue;
+    const auto isKnown = [&](const auto& subview) { return measureOf(*subview, axis).isKnown; };
+    measured.isKnown = std::all_of(view.subviews.begin(), view.subviews.end(), isKnown) && !followsFrames(view, axis);
+    measured.placedAt.reset();
+    measured.fitting = lengthAround(view, axis);
   }
-  measured.isKnown = measured.isKnown && !followsFrames(view, axis);
-  measured.placedAt.reset();
-  measured.fitting = lengthAround(view, axis);
 }
 
 void placeTied(View& view, Axis axis) {
@@ -241,13 +242,13 @@ void place(View& view, Axis axis) {
 
 void layOut(View& view) {
   for (const Axis axis : {Axis::Horizontal, Axis::Vertical}) {
-    measure(view, axis);
+    measure(view);
     place(view, axis);
   }
 }
 
 std::optional<double> fittingLength(View& view, Axis axis) {
-  measure(view, axis);
+  measure(view);
   return fitting(view, axis);
 }
 
