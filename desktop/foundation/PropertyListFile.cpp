@@ -123,6 +123,14 @@ private:
   }
 };
 
+/// Throws FileFault when there is none.
+PropertyList dictionaryIn(std::string_view bytes) {
+  auto reading = parsePropertyList(bytes);
+  if (!reading) throw FileFault{"cannot be understood, " + reading.error};
+  if (reading.value.as<PropertyList::Dictionary>() == nullptr) throw FileFault{"does not hold a dictionary"};
+  return std::move(reading.value);
+}
+
 /// Where a chain of symbolic links ends, whether or not a file is there.
 std::filesystem::path followed(std::filesystem::path path) {
   std::error_code error;
@@ -183,17 +191,13 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
 
 std::optional<PropertyList> readDictionary(const std::filesystem::path& path) {
   const auto bytes = readFile(path);
-  if (!bytes) return std::nullopt;
-  auto reading = parsePropertyList(*bytes);
-  if (!reading) throw FileFault{"cannot be understood, " + reading.error};
-  if (reading.value.as<PropertyList::Dictionary>() == nullptr) throw FileFault{"does not hold a dictionary"};
-  return std::move(reading.value);
+  return bytes ? std::optional(dictionaryIn(*bytes)) : std::nullopt;
 }
 
 PropertyListFile::PropertyListFile(std::optional<std::filesystem::path> file) : path(std::move(file)) {
   if (!path) return;
   try {
-    if (auto read = readDictionary(*path)) contents = *std::move(read);
+    read(*path);
   } catch (const FileFault& fault) {
     report(*path, fault.what + "; starting empty, the file stays as it is until something is saved");
   }
@@ -217,30 +221,34 @@ void PropertyListFile::set(const std::u16string& key, PropertyList value) {
   }
 }
 
-bool PropertyListFile::readAgain(const std::filesystem::path& target) {
-  try {
-    auto read = readDictionary(target).value_or(PropertyList::Dictionary());
-    for (const auto& key : unsaved)
-      read.as<PropertyList::Dictionary>()->insert_or_assign(key, *value(key));
-    contents = std::move(read);
-    return true;
-  } catch (const FileFault&) {
-    return false;
-  }
+void PropertyListFile::read(const std::filesystem::path& target) {
+  auto bytes = readFile(target);
+  if (bytes == known) return;
+  PropertyList found = bytes ? dictionaryIn(*bytes) : PropertyList::Dictionary();
+  for (const auto& key : unsaved)
+    found.as<PropertyList::Dictionary>()->insert_or_assign(key, *value(key));
+  contents = std::move(found);
+  known = std::move(bytes);
 }
 
 void PropertyListFile::save() {
   const auto target = followed(*path);
   const LockedFolder folder(target);
   const auto replaced = replaceable(target);
-  const bool understood = readAgain(target);
-  const auto bytes = canBeXml(contents) ? writeXml(contents) : writeBinary(contents);
+  bool isUnderstood = true;
+  try {
+    read(target);
+  } catch (const FileFault&) {
+    isUnderstood = false;
+  }
+  auto bytes = canBeXml(contents) ? writeXml(contents) : writeBinary(contents);
   Replacement replacement(folder);
   if (replaced) replacement.becomeLike(*replaced);
   replacement.write(std::string_view(bytes).substr(0, writesFail ? bytes.size() / 2 : bytes.size()));
   if (writesFail) failWith("cannot be saved", ENOSPC);
-  if (!understood) report(target, "could not be understood, and is kept as " + keepAside(target));
+  if (!isUnderstood) report(target, "could not be understood, and is kept as " + keepAside(target));
   replacement.moveTo(target);
+  known = std::move(bytes);
 }
 
 } // namespace desktop

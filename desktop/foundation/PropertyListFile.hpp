@@ -54,13 +54,16 @@ public:
 private:
   std::optional<std::filesystem::path> path;
   PropertyList contents = PropertyList::Dictionary();
+  /// What the file was last found or made to hold; none when it was missing. The contents are that and what is unsaved.
+  std::optional<std::string> known;
   std::set<std::u16string> unsaved;
   bool writesFail = false;
 
   /// Throws FileFault.
   void save();
-  /// Takes over what others saved meanwhile; false when the file is not understood and must not get lost.
-  bool readAgain(const std::filesystem::path& target);
+  /// Takes over what the file holds, unless that is known. Throws FileFault when the file is not understood, and must
+  /// not get lost.
+  void read(const std::filesystem::path& target);
 };
 
 } // namespace desktop

@@ -91,6 +91,21 @@ TEST_F(PropertyListFileTest, FailedWritesLoseNothing) {
   EXPECT_EQ(*PropertyListFile(path).value(u"key"), PropertyList(2));
 }
 
+TEST_F(PropertyListFileTest, EachSaveStartsFromWhatTheFileHoldsByThen) {
+  PropertyListFile file(path);
+  file.set(u"key", 1);
+  for (const int number : {2, 3}) {
+    PropertyListFile(path).set(u"other", number);
+    file.set(u"key", number);
+    const PropertyListFile saved(path);
+    ASSERT_NE(saved.value(u"other"), nullptr);
+    EXPECT_EQ(*saved.value(u"other"), PropertyList(number)) << "of the same size as before";
+  }
+  fs::remove(path);
+  file.set(u"key", 4);
+  EXPECT_EQ(PropertyListFile(path).value(u"other"), nullptr) << "it went with its file";
+}
+
 TEST_F(PropertyListFileTest, OwnersStay) {
   if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can give files away";
   PropertyListFile(path).set(u"key", 1);
