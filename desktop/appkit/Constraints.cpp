@@ -11,8 +11,8 @@ bool holds(const View* holder, const View* view) {
 
 /// Where the constraint is kept.
 View& holderOf(const Constraint& constraint) {
-  View& first = *constraint.first;
-  View* const second = constraint.second;
+  View& first = *constraint.first();
+  View* const second = constraint.second();
   if (second == nullptr) return first;
   for (View* holder : {&first, first.superview, second}) {
     if (holder != nullptr && holds(holder, &first) && holds(holder, second)) return *holder;
@@ -21,37 +21,52 @@ View& holderOf(const Constraint& constraint) {
        " that are neither side by side nor one directly in the other");
 }
 
-Ref<Constraint> constraintOf(const Anchor& anchor, CGFloat constant) {
-  auto constraint = create<Constraint>();
-  constraint->axis = anchor.axis;
-  constraint->first = anchor.view.get();
-  constraint->firstEdge = anchor.edge;
-  constraint->constant = constant;
-  return constraint;
-}
-
 } // namespace
 
 Ref<Constraint> Anchor::constraintEqualToPlus(Anchor* other, CGFloat constant) const {
   if (other == nullptr) stop("an anchor was tied to nothing (nil)");
   if (other->isa != isa || other->axis != axis) stop("anchors of different kinds were tied to each other");
-  auto constraint = constraintOf(*this, constant);
-  constraint->second = other->view.get();
-  constraint->secondEdge = other->edge;
-  return constraint;
+  return Constraint::between(*this, other, constant);
 }
 
 Ref<Constraint> Dimension::constraintEqualToConstant(CGFloat constant) const {
-  return constraintOf(*this, constant);
+  return Constraint::between(*this, nullptr, constant);
+}
+
+Ref<Constraint> Constraint::between(const Anchor& first, const Anchor* second, CGFloat constant) {
+  auto made = create<Constraint>();
+  made->axis = first.axis;
+  made->itsFirst = first.view.get();
+  made->firstEdge = first.edge;
+  if (second != nullptr) {
+    made->itsSecond = second->view.get();
+    made->secondEdge = second->edge;
+  }
+  made->constant = constant;
+  return made;
 }
 
 void Constraint::activate(Array* constraints) {
   for (const auto& element : constraints->elements) {
     auto* const constraint = as<Constraint>(element.get());
-    View& holder = holderOf(*constraint);
-    holder.constraints.push_back(shared(constraint));
-    holder.changed();
+    if (constraint->holder == nullptr) constraint->activateIn(holderOf(*constraint));
   }
+}
+
+void Constraint::activateIn(View& view) {
+  holder = &view;
+  place = view.constraints.insert(view.constraints.end(), shared(this));
+  const auto tie = [&](View& tied) { return tied.ties.insert(tied.ties.end(), this); };
+  if (first() != holder) firstTie = tie(*first());
+  if (second() != nullptr && second() != holder) secondTie = tie(*second());
+  view.changed();
+}
+
+void Constraint::deactivate() {
+  if (first() != holder) first()->ties.erase(firstTie);
+  if (second() != nullptr && second() != holder) second()->ties.erase(secondTie);
+  // The holder's reference may be the last one.
+  std::exchange(holder, nullptr)->constraints.erase(place);
 }
 
 void registerConstraintClasses() {

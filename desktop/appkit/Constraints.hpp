@@ -22,17 +22,41 @@ struct Dimension : Anchor {
 /// Without effect until it is activated; then kept by the view that holds both of its views.
 struct Constraint : Object {
   Axis axis = Axis::Horizontal;
-  // The views are not owned: an active constraint leaves with either.
-  View* first = nullptr;
   Edge firstEdge = Edge::Start;
-  /// Null for a first edge that is a constant.
-  View* second = nullptr;
   Edge secondEdge = Edge::Start;
   CGFloat constant = 0;
+  /// Null while it is not active.
+  View* holder = nullptr;
+
+  // The views are not owned: an active constraint leaves with either.
+  View* first() const { return asked(itsFirst); }
+  /// Null for a first edge that is a constant.
+  View* second() const { return asked(itsSecond); }
+  /// How often any constraint was asked for a view: steps, to a test.
+  static inline long timesAsked = 0;
+
+  /// Between anchors of one axis.
+  static Ref<Constraint> between(const Anchor& first, const Anchor* second, CGFloat constant);
 
   /// Stops the program for two views that are neither side by side nor one directly in the other: activating views
   /// without a common ancestor fails on the platform, and deeper ties are not laid out here.
   static void activate(Array* constraints);
+  /// The caller tells the holder that it has changed.
+  void deactivate();
+
+private:
+  View* itsFirst = nullptr;
+  View* itsSecond = nullptr;
+  /// Where it is, while it is active: among the holder's constraints, and among the ties of its views.
+  std::list<Ref<Constraint>>::iterator place;
+  std::list<Constraint*>::iterator firstTie;
+  std::list<Constraint*>::iterator secondTie;
+
+  void activateIn(View& view);
+  static View* asked(View* view) {
+    ++timesAsked;
+    return view;
+  }
 };
 
 template <class Anchor, Axis axis, Edge edge> Ref<Anchor> View::anchor() {

@@ -53,7 +53,7 @@ std::optional<double> fitting(View& view, Axis axis) {
 /// The length that a constraint of the view alone demands.
 std::optional<double> demandedLength(const View& view, Axis axis) {
   for (const auto& constraint : view.constraints) {
-    if (constraint->axis == axis && constraint->first == &view && constraint->second == nullptr) {
+    if (constraint->axis == axis && constraint->first() == &view && constraint->second() == nullptr) {
       return constraint->constant;
     }
   }
@@ -66,7 +66,7 @@ public:
   Ties(View& container, Axis which) : axis(which) {
     boxOf(&container);
     for (const auto& constraint : container.constraints) {
-      if (constraint->axis == axis && constraint->second != nullptr) add(*constraint);
+      if (constraint->axis == axis && constraint->second() != nullptr) add(*constraint);
     }
   }
 
@@ -75,9 +75,9 @@ public:
 
 private:
   void add(const Constraint& constraint) {
-    const std::size_t first = boxOf(constraint.first);
+    const std::size_t first = boxOf(constraint.first());
     relations.push_back(
-        {first, constraint.firstEdge, boxOf(constraint.second), constraint.secondEdge, constraint.constant});
+        {first, constraint.firstEdge, boxOf(constraint.second()), constraint.secondEdge, constraint.constant});
   }
 
   std::size_t boxOf(View* view) {
@@ -137,9 +137,10 @@ bool followsFrames(View& view, Axis axis) {
   if (const auto* label = ifIs<TextField>(&view))
     return axis == Axis::Vertical && label->lineBreakMode == platform::NSLineBreakByWordWrapping;
   return std::any_of(view.constraints.begin(), view.constraints.end(), [&](const auto& constraint) {
-    const View* const second = constraint->second;
-    return second != nullptr && ((constraint->first != &view && constraint->first->translatesMask) ||
-                                 (second != &view && second->translatesMask));
+    const View* const first = constraint->first();
+    const View* const second = constraint->second();
+    return second != nullptr &&
+           ((first != &view && first->translatesMask) || (second != &view && second->translatesMask));
   });
 }
 

@@ -11,8 +11,12 @@ namespace desktop {
 View::View() = default;
 
 View::~View() {
-  for (const auto& subview : subviews)
+  for (const auto& constraint : constraints)
+    constraint->holder = nullptr;
+  for (const auto& subview : subviews) {
     subview->superview = nullptr;
+    subview->ties.clear();
+  }
 }
 
 View* View::initWithFrame(CGRect value) {
@@ -59,7 +63,8 @@ void View::addSubview(View* view) {
 void View::removeFromSuperview() {
   if (superview == nullptr) return;
   View& container = *std::exchange(superview, nullptr);
-  std::erase_if(container.constraints, [&](const auto& each) { return each->first == this || each->second == this; });
+  while (!ties.empty())
+    ties.front()->deactivate();
   container.changed();
   // The superview's reference may be the last one.
   container.subviews.erase(place);

@@ -51,7 +51,9 @@ struct View : Object {
   };
   Measure measures[2];
   /// Active constraints between this view, its subviews or both.
-  std::vector<Ref<Constraint>> constraints;
+  std::list<Ref<Constraint>> constraints;
+  /// Those among its superview's that it is part of: they leave with it.
+  std::list<Constraint*> ties;
 
   View();
   ~View();

@@ -1,4 +1,5 @@
 #include "desktop/appkit/Layout.hpp"
+#include "desktop/appkit/Constraints.hpp"
 
 #include "platform/Control.hpp"
 #include "platform/RuntimeClass.hpp"
@@ -60,10 +61,47 @@ TEST_F(Layout, AViewThatLeavesTakesItsConstraintsAlong) {
               leaves.leadingAnchor().constraintEqualToAnchor(container.leadingAnchor(), 10),
               stays.leadingAnchor().constraintEqualToAnchor(leaves.trailingAnchor(), 5),
               stays.widthAnchor().constraintEqualToAnchor(container.widthAnchor(), -20)});
+    layOutAt(container, 100, 100);
+    EXPECT_EQ(placeOf(stays), (std::array{25., 100., 80., 0.}));
     leaves.removeFromSuperview();
   }
   layOutAt(container, 100, 100);
   EXPECT_EQ(placeOf(stays), (std::array{0., 100., 80., 0.}));
+  {
+    const auto another = mac::NSView::make();
+    another.addSubview(stays);
+    activate({stays.topAnchor().constraintEqualToAnchor(another.topAnchor(), 10)});
+  }
+  container.addSubview(stays);
+  stays.removeFromSuperview();
+  EXPECT_EQ(inside(stays).superview, nullptr) << "nothing is left of a container that is gone";
+}
+
+/// How often constraints are asked for their views while views tied to each other and to their container leave one by
+/// one.
+long stepsToLeave(std::size_t count) {
+  const auto container = mac::NSView::make();
+  std::vector<mac::NSView> views;
+  std::vector<mac::NSLayoutConstraint> constraints;
+  for (std::size_t index = 0; index < count; ++index) {
+    views.push_back(untranslated());
+    container.addSubview(views.back());
+    constraints.push_back(views.back().topAnchor().constraintEqualToAnchor(container.topAnchor()));
+    constraints.push_back(views.back().leadingAnchor().constraintEqualToAnchor(views.front().leadingAnchor()));
+    constraints.push_back(views.back().widthAnchor().constraintEqualToAnchor(views[index / 2].widthAnchor()));
+  }
+  activate(constraints);
+  const long before = Constraint::timesAsked;
+  for (std::size_t index = count; index-- > 0;)
+    views[index].removeFromSuperview();
+  EXPECT_TRUE(inside(container).constraints.empty());
+  return Constraint::timesAsked - before;
+}
+
+TEST_F(Layout, AViewLeavesInAsManyStepsAsItHasTies) {
+  const long steps = stepsToLeave(100);
+  EXPECT_GT(steps, 0);
+  EXPECT_LE(stepsToLeave(1000), 11 * steps);
 }
 
 TEST_F(Layout, RemovingAnArrangedViewTakesTwoSteps) {
