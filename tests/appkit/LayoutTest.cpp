@@ -68,6 +68,7 @@ TEST_F(Layout, AViewThatLeavesTakesItsConstraintsAlong) {
   layOutAt(container, 100, 100);
   EXPECT_EQ(placeOf(stays), (std::array{0., 100., 80., 0.}));
   {
+    const mac::AutoreleasePool pool;
     const auto another = mac::NSView::make();
     another.addSubview(stays);
     activate({stays.topAnchor().constraintEqualToAnchor(another.topAnchor(), 10)});
