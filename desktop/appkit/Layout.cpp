@@ -134,8 +134,8 @@ std::optional<double> lengthAround(View& view, Axis axis) {
 /// Whether what the view wants follows from a frame, which layout itself changes: a wrapped text's height from its
 /// width, a container's length from a view that stays where it was put.
 bool followsFrames(View& view, Axis axis) {
-  if (const auto* label = ifIs<TextField>(&view))
-    return axis == Axis::Vertical && label->lineBreakMode == platform::NSLineBreakByWordWrapping;
+  const auto* const label = axis == Axis::Vertical ? ifIs<TextField>(&view) : nullptr;
+  if (label != nullptr && label->lineBreakMode == platform::NSLineBreakByWordWrapping) return true;
   return std::any_of(view.constraints.begin(), view.constraints.end(), [&](const auto& constraint) {
     const View* const first = constraint->first();
     const View* const second = constraint->second();
@@ -254,8 +254,7 @@ std::optional<double> fittingLength(View& view, Axis axis) {
 }
 
 bool isFlipped(View& view) {
-  static const SEL isFlipped = sel_registerName("isFlipped");
-  return perform<BOOL>(&view, isFlipped);
+  return platform::send<"isFlipped", BOOL>(static_cast<id>(&view));
 }
 
 CGRect frameFromTop(View& view) {
