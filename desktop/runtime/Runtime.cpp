@@ -25,8 +25,10 @@ struct Registry {
   std::set<std::string> missingProtocols;
   /// Classes of released instances, by the class they had.
   std::unordered_map<Class, std::unique_ptr<objc_class>> released;
-  /// Memory of the last released instances, round and round: kept aside so that a late message is found out.
-  std::array<void*, 1 << 16> remains{};
+  /// Memory of the last released instances, round and round: kept aside so that a late message is found out. A key
+  /// press leaves four, the settings window fifty; so a late message may come many commands after, and yet a short
+  /// session needs as much memory as a long one.
+  std::array<void*, 1 << 12> remains{};
   std::size_t buried = 0;
 };
 

@@ -137,11 +137,20 @@ std::string_view commentOf(std::string_view line) {
   return line.substr(0, line.find_last_not_of(" \t\r") + 1);
 }
 
-bool readAll(std::FILE* stream, std::string& text) {
+Mistake unable(const std::string& file, const std::string& what) {
+  return {file, 0, "cannot be " + what + ": " + std::strerror(errno)};
+}
+
+Stream owned(std::FILE* opened) {
+  return {opened, [](std::FILE* stream) { return stream != nullptr ? std::fclose(stream) : 0; }};
+}
+
+/// Afterwards `to` is at its beginning. False when either fails.
+bool copy(std::FILE* from, std::FILE* to) {
   std::array<char, 4096> part{};
-  while (const std::size_t size = std::fread(part.data(), 1, part.size(), stream))
-    text.append(part.data(), size);
-  return std::ferror(stream) == 0;
+  while (const std::size_t size = std::fread(part.data(), 1, part.size(), from))
+    if (std::fwrite(part.data(), 1, size, to) != size) return false;
+  return std::ferror(from) == 0 && std::fseek(to, 0, SEEK_SET) == 0;
 }
 
 } // namespace
@@ -178,34 +187,46 @@ void SessionGrammar::follow(const Command& command) {
   if (command.verb == Verb::End && *command.name != "Tarnwick") applications.erase(*command.name);
 }
 
-std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text) {
-  SessionGrammar grammar(file);
-  std::vector<Command> commands;
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3); // the mark that Windows editors begin UTF-8 with
-  std::vector<std::string> headings;
-  while (!text.empty()) {
-    const std::string_view line = takeUntil(text, '\n');
-    auto read = grammar.read(line);
-    if (auto* mistake = std::get_if<Mistake>(&read)) return std::move(*mistake);
-    if (auto* command = std::get_if<Command>(&read)) {
-      command->headings = std::exchange(headings, {});
-      commands.push_back(std::move(*command));
-    } else if (const auto comment = commentOf(line); !comment.empty()) {
-      headings.emplace_back(comment);
-    }
-  }
-  return commands;
+SessionReader::SessionReader(std::string name, Stream read)
+    : file(std::move(name)), stream(std::move(read)), grammar(file) {}
+
+bool SessionReader::readLine() {
+  line.clear();
+  int sign = EOF;
+  while ((sign = std::getc(stream.get())) != EOF && sign != '\n')
+    line += static_cast<char>(sign);
+  if (sign == EOF && line.empty()) return false;
+  // The mark that Windows editors begin UTF-8 with.
+  if (std::exchange(isFirst, false) && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
+  return true;
 }
 
-std::variant<std::vector<Command>, Mistake> readSessionFile(const std::string& file) {
-  const bool piped = file == "-";
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(piped ? nullptr : std::fopen(file.c_str(), "rb"),
-                                                               std::fclose);
-  std::FILE* stream = piped ? stdin : opened.get();
-  std::string text;
-  if (stream == nullptr || !readAll(stream, text))
-    return Mistake{file, 0, std::string("cannot be read: ") + std::strerror(errno)};
-  return readSession(file, text);
+std::variant<std::monostate, Command, Mistake> SessionReader::next() {
+  std::vector<std::string> headings;
+  while (readLine()) {
+    auto read = grammar.read(line);
+    if (auto* command = std::get_if<Command>(&read)) command->headings = std::move(headings);
+    if (!std::holds_alternative<std::monostate>(read)) return read;
+    if (const auto comment = commentOf(line); !comment.empty()) headings.emplace_back(comment);
+  }
+  if (std::ferror(stream.get()) != 0) return unable(file, "read");
+  return {};
+}
+
+std::variant<SessionReader, Mistake> checkedSession(const std::string& file) {
+  const Stream given = file == "-" ? Stream(stdin, [](std::FILE*) {}) : owned(std::fopen(file.c_str(), "rb"));
+  // Read before there is a copy, which would take the place of a standard input that is closed.
+  if (!given || (std::ungetc(std::getc(given.get()), given.get()) == EOF && std::ferror(given.get()) != 0))
+    return unable(file, "read");
+  const Stream kept = owned(std::tmpfile());
+  if (!kept || !copy(given.get(), kept.get())) return unable(file, std::ferror(given.get()) != 0 ? "read" : "copied");
+  SessionReader check(file, kept);
+  auto read = check.next();
+  while (std::holds_alternative<Command>(read))
+    read = check.next();
+  if (auto* mistake = std::get_if<Mistake>(&read)) return std::move(*mistake);
+  std::rewind(kept.get());
+  return SessionReader(file, kept);
 }
 
 } // namespace desktop

@@ -3,11 +3,12 @@
 
 #include "desktop/session/Command.hpp"
 
+#include <cstdio>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
 #include <variant>
-#include <vector>
 
 namespace desktop {
 
@@ -41,10 +42,31 @@ private:
   std::set<std::string> applications{"Finder", "Editor", "Tarnwick"};
 };
 
-/// All commands of a session, or its first mistake.
-std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text);
+using Stream = std::shared_ptr<std::FILE>;
 
-/// The same from a file, or from standard input for `-`. A file that cannot be read is a mistake without a line.
-std::variant<std::vector<Command>, Mistake> readSessionFile(const std::string& file);
+/// The commands of a whole session, read one by one, so that many need no more memory than few.
+class SessionReader {
+public:
+  /// From the stream as it goes on. `file` is the name of the session in mistakes.
+  SessionReader(std::string file, Stream stream);
+
+  /// The next command or the first mistake; neither at the end. A stream that cannot be read is a mistake without a
+  /// line.
+  std::variant<std::monostate, Command, Mistake> next();
+
+private:
+  /// False at the end.
+  bool readLine();
+
+  std::string file;
+  Stream stream;
+  SessionGrammar grammar;
+  std::string line;
+  bool isFirst = true;
+};
+
+/// The session in a file, or on standard input for `-`, found to be without mistakes; else its first one. What is read
+/// later is what was checked, whatever becomes of the file: a copy, which has no name and ends with its last reader.
+std::variant<SessionReader, Mistake> checkedSession(const std::string& file);
 
 } // namespace desktop

@@ -77,13 +77,6 @@ std::string bundleBesideCommand() {
   return (std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path() / "Tarnwick.app").string();
 }
 
-Session::Source listed(std::vector<Command> commands) {
-  return [commands = std::move(commands), next = std::size_t{0}]() mutable -> std::optional<Command> {
-    if (next == commands.size()) return std::nullopt;
-    return commands[next++];
-  };
-}
-
 /// Whole, also where it holds a NUL.
 void say(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
@@ -123,12 +116,18 @@ void announce(const Command& command) {
 }
 
 /// Both answer how it went, as an exit status.
-int play(const Words& words, std::vector<Command> commands) {
+int play(const Words& words, SessionReader& commands) {
   Stage stage(words);
-  Session session(stage.desktop, tarnwickMain, listed(std::move(commands)));
+  int readStatus = 0;
+  Session session(stage.desktop, tarnwickMain, [&]() -> std::optional<Command> {
+    auto read = commands.next();
+    if (auto* command = std::get_if<Command>(&read)) return std::move(*command);
+    if (const auto* mistake = std::get_if<Mistake>(&read)) readStatus = fail(mistake->text());
+    return std::nullopt;
+  });
   if (!words.has(traceOption)) session.announce = announce;
   session.run();
-  return stage.status();
+  return std::max(stage.status(), readStatus);
 }
 
 /// Not called where nobody can sit at it.
@@ -166,7 +165,7 @@ int main(int count, char** arguments) {
   if constexpr (TARNWICK_HAS_PROMPT) {
     if (words.session == "-" && isatty(STDIN_FILENO) != 0) return finish(playAtPrompt(words));
   }
-  auto session = readSessionFile(words.session);
+  auto session = checkedSession(words.session);
   if (const auto* mistake = std::get_if<Mistake>(&session)) return fail(mistake->text());
-  return finish(play(words, std::get<std::vector<Command>>(std::move(session))));
+  return finish(play(words, std::get<SessionReader>(session)));
 }

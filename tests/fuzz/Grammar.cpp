@@ -1,8 +1,8 @@
 /// Sessions as they are written: each is read whole, or its first mistake is told in one line.
 #include "desktop/foundation/Text.hpp"
 #include "desktop/session/Output.hpp"
-#include "desktop/session/SessionGrammar.hpp"
 #include "tests/fuzz/Fuzz.hpp"
+#include "tests/support/TestDesktop.hpp"
 
 #include <algorithm>
 

@@ -1,9 +1,7 @@
 #include "tests/support/Command.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <regex>
-#include <sys/resource.h>
 
 namespace desktop {
 namespace {
@@ -133,25 +131,6 @@ TEST_F(CommandTest, KeepsTheTraceFreeOfAnswers) {
     EXPECT_TRUE(shown.ends_with(line + std::string(answer))) << shown;
   }
   EXPECT_EQ(terminal.status(), 0);
-}
-
-/// The most memory that any command of this process has needed so far.
-long peakOfCommands() {
-  struct rusage usage {};
-  EXPECT_EQ(::getrusage(RUSAGE_CHILDREN, &usage), 0);
-  return usage.ru_maxrss;
-}
-
-TEST_F(CommandTest, NeedsNoMoreMemoryForMoreKeys) {
-  ::setenv("ASAN_OPTIONS", "quarantine_size_mb=1", 0); // or else the sanitizer keeps what is freed
-  const auto typing = [](int times) {
-    const std::string count = std::to_string(times);
-    return "press ctrl+c " + count + "\nfront Finder\npress f2 " + count + "\npress a " + count + "\n";
-  };
-  run("--trace", typing(5000));
-  const long few = peakOfCommands();
-  run("--trace", typing(50000));
-  EXPECT_LT(peakOfCommands(), few + few / 10);
 }
 
 } // namespace

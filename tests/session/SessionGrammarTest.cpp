@@ -1,6 +1,4 @@
-#include "desktop/session/SessionGrammar.hpp"
-
-#include <gtest/gtest.h>
+#include "tests/support/TestDesktop.hpp"
 
 using namespace desktop;
 using namespace std::string_literals;

@@ -71,6 +71,17 @@ TemporaryFolder::TemporaryFolder() {
   path = name;
 }
 
+std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text) {
+  std::string bytes(text);
+  SessionReader reader(file, Stream(fmemopen(bytes.data(), bytes.size(), "r"), std::fclose));
+  std::vector<Command> commands;
+  auto read = reader.next();
+  for (; auto* command = std::get_if<Command>(&read); read = reader.next())
+    commands.push_back(std::move(*command));
+  if (auto* mistake = std::get_if<Mistake>(&read)) return std::move(*mistake);
+  return commands;
+}
+
 void writeFile(const std::filesystem::path& file, const std::string& bytes) {
   std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
 }

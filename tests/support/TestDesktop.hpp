@@ -2,6 +2,7 @@
 #pragma once
 
 #include "desktop/Desktop.hpp"
+#include "desktop/session/SessionGrammar.hpp"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,9 @@ private:
   Start start;
   std::vector<std::pair<std::string, long>> before;
 };
+
+/// All commands of a session, or its first mistake.
+std::variant<std::vector<Command>, Mistake> readSession(const std::string& file, std::string_view text);
 
 /// What happens next: lines of a session, or a look at how things stand by then.
 using Step = std::variant<std::string, std::function<void()>>;
