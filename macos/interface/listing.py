@@ -8,7 +8,7 @@ import tempfile
 from pathlib import Path
 
 from macos import sysroot
-from macos.interface import messages, program
+from macos.interface import abi, messages, program
 
 ROOT = Path(__file__).resolve().parents[2]
 UPDATER = "SPUStandardUpdaterController"  # comes with its framework, not with the system
@@ -37,6 +37,9 @@ def listing(processor):
 
 
 if __name__ == "__main__":
+    if sys.argv[1:] not in [[processor] for processor in abi.PROCESSORS]:
+        print(f"macos.interface.listing: wants one processor, {' or '.join(abi.PROCESSORS)}", file=sys.stderr)
+        sys.exit(2)
     try:
         print("\n".join(sorted(set(listing(sys.argv[1])))))
     except (program.ProgramError, sysroot.SysrootError) as error:

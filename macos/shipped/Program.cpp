@@ -122,7 +122,6 @@ void tellFailures() {
   action.sa_flags = SA_ONSTACK;
   for (const int signal : {SIGXCPU, SIGALRM, SIGABRT, SIGILL, SIGTRAP, SIGSEGV, SIGBUS, SIGFPE})
     sigaction(signal, &action, nullptr);
-  std::set_terminate(endWithException);
 }
 
 } // namespace
@@ -135,7 +134,9 @@ int tarnwickMain() {
   }();
   limitTime();
   limitWaiting();
+  const auto outside = std::set_terminate(endWithException);
   const int status = slice.run();
+  std::set_terminate(outside);
   alarm(0);
   return status;
 }

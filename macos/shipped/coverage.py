@@ -1,6 +1,5 @@
 """Tells how much of the shipped arm64 program the sessions reach: the share of its instructions that are executed."""
 import shutil
-import sys
 import tempfile
 from pathlib import Path
 
@@ -20,11 +19,7 @@ def main():
         print(f"{session.name:24}{len(own):8}{len(own - reached):8} of them for the first time")
         reached |= own
     print(f"{'together':24}{len(reached):8} of {total} instructions: {100 * len(reached) / total:.1f} %")
-    return 0
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main())
-    except (execution.ExecutionError, OSError) as error:
-        sys.exit(f"macos.shipped.coverage: {error}")
+    execution.tell("macos.shipped.coverage", main)

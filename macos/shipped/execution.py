@@ -4,6 +4,7 @@ import re
 import shutil
 import struct
 import subprocess
+import sys
 import tempfile
 from dataclasses import dataclass
 from pathlib import Path
@@ -28,11 +29,26 @@ class Program:
     imports: dict  # where a call of an imported function goes through: its name
 
 
+def must_exist(path):
+    if not path.exists():
+        raise ExecutionError(f"{path} is missing; ./dev test macos and ./dev bench build it")
+
+
 @functools.cache
 def program(processor):
     """What is where in the slice that is shipped."""
-    data = (BUILD / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick").read_bytes()
-    image = next(image for image in map(macho.read_image, macho.slices(data)) if image.processor == processor)
+    path = BUILD / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick"
+    must_exist(path)
+    try:
+        return program_in(next(image for image in macho.read_file(path) if image.processor == processor))
+    except macho.MachOError as error:
+        raise ExecutionError(f"{path.parent}/{error}") from None
+    except (StopIteration, AttributeError, KeyError, TypeError, struct.error):
+        raise ExecutionError(f"{path} has no program for {processor}, or not all its tables") from None
+
+
+def program_in(image):
+    """Raises whatever a missing part of the slice leads to."""
     base = image.segment("__TEXT").address
     sections = {section.name: section for section in image.sections}
     code, stubs = sections["__text"], sections["__stubs"]
@@ -58,14 +74,27 @@ def executed(processor, *words, folder):
     emulator = EMULATORS[processor]
     if shutil.which(emulator[0]) is None:
         raise ExecutionError(f"{emulator[0]} is missing; it is in the package qemu-user")
-    if not COMMANDS[processor].exists():
-        raise ExecutionError(f"{COMMANDS[processor]} is missing; ./dev test macos and ./dev bench build it")
+    must_exist(COMMANDS[processor])
     with tempfile.TemporaryDirectory() as work:
         log = Path(work) / "log"
-        subprocess.run([*emulator, one_instruction_at_a_time(emulator[0]), "-d", "exec,nochain", "-D", log,
-                        "-dfilter", f"{PLACE:#x}+0x1000000", COMMANDS[processor], *words],
-                       cwd=folder, check=True, stdout=subprocess.DEVNULL)
+        ended = subprocess.run([*emulator, one_instruction_at_a_time(emulator[0]), "-d", "exec,nochain", "-D", log,
+                                "-dfilter", f"{PLACE:#x}+0x1000000", COMMANDS[processor], *words],
+                               cwd=folder, check=False, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        if ended.returncode:
+            said = ended.stderr.decode(errors="replace").splitlines() or [f"status {ended.returncode}"]
+            raise ExecutionError(f"{COMMANDS[processor].name} fails: {said[-1]}")
         instructions = [int(address, 16) - PLACE for address in LOGGED.findall(log.read_text())]
     if not instructions:
         raise ExecutionError(f"nothing of the program was executed at {PLACE:#x}")
     return instructions
+
+
+def tell(name, main):
+    """Runs a tool's `main` with one sentence, and no status 0, for whatever goes wrong."""
+    if sys.argv[1:]:
+        print(f"{name}: takes no arguments, not {sys.argv[1]}", file=sys.stderr)
+        sys.exit(2)
+    try:
+        main()
+    except (ExecutionError, OSError) as error:
+        sys.exit(f"{name}: {error}")

@@ -3,7 +3,6 @@
 Two sessions that differ by one key-down are played one instruction at a time; what the longer one does more is the
 key's. Nothing is timed, so the numbers are the same on every run.
 """
-import sys
 import tempfile
 from collections import Counter
 from dataclasses import dataclass
@@ -58,11 +57,7 @@ def main():
         print(f"{situation:20}{len(costs[0].calls):8}{costs[0].instructions:10}{costs[1].instructions:10}")
         for name, count in Counter(costs[0].calls).items():
             print(f"{count:28}  {name}")
-    return 0
 
 
 if __name__ == "__main__":
-    try:
-        sys.exit(main())
-    except (execution.ExecutionError, OSError) as error:
-        sys.exit(f"macos.shipped.key_cost: {error}")
+    execution.tell("macos.shipped.key_cost", main)

@@ -1,8 +1,12 @@
 """What one key costs in the program that is shipped: calls of the platform, exactly and in their order, and at most so
 many instructions. Whatever is held here, the keyboard waits for it at every key."""
+import shutil
+import subprocess
 import unittest
+from unittest import mock
 
-from macos.shipped import key_cost
+import fixture
+from macos.shipped import execution, key_cost
 
 MESSAGE = "objc_msgSend"
 FRONT = [MESSAGE, MESSAGE]  # the application in front, and its identifier
@@ -33,3 +37,28 @@ class KeyCost(unittest.TestCase):
                     cost = key_cost.cost(processor, situation)
                     self.assertEqual(cost.calls, calls)
                     self.assertLessEqual(cost.instructions, most)
+
+
+class Sentences(unittest.TestCase):
+    def test_programs_that_cannot_be_measured(self):
+        folder = fixture.folder(self.addCleanup)
+        program = folder / "Tarnwick.app" / "Contents" / "MacOS" / "Tarnwick"
+        program.parent.mkdir(parents=True)
+        command = shutil.copy(execution.COMMANDS["x86_64"], folder / "tarnwick-shipped")
+        (folder / "session").write_text("launch\n")
+        with mock.patch.multiple(execution, BUILD=folder, COMMANDS={"x86_64": command}):
+            for content, of_slice, of_command in (
+                    (b"some text", "Tarnwick: not a 64-bit Mach-O file", "Tarnwick is not a universal program"),
+                    (bytes.fromhex("cafebabe00000000"), "has no program for arm64", "has no slice for this processor")):
+                program.write_bytes(content)
+                with self.assertRaisesRegex(execution.ExecutionError, of_slice):
+                    execution.program.__wrapped__("arm64")
+                with self.assertRaisesRegex(execution.ExecutionError, f"tarnwick-shipped fails: .*{of_command}$"):
+                    execution.executed("x86_64", "session", folder=folder)
+
+    def test_words_that_no_tool_knows(self):
+        for tool in ("shipped.key_cost", "shipped.coverage", "interface.listing"):
+            ended = subprocess.run(["python3", "-B", "-m", f"macos.{tool}", "word"], cwd=fixture.ROOT, capture_output=True,
+                                   text=True, check=False)
+            self.assertRegex(ended.stderr, rf"\Amacos.{tool}: [^\n]*\n\Z")
+            self.assertEqual(ended.returncode, 2)
