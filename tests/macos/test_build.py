@@ -27,9 +27,9 @@ class Build(unittest.TestCase):
         shutil.copy(fixture.ROOT / "CMakeLists.txt", cls.first)
         shutil.copytree(cls.first, cls.second)
 
-    def build(self, place, *options):
+    def build(self, place, *options, moment=fixture.MOMENT):
         result = subprocess.run(["python3", "-B", "-m", "macos.build", *options], cwd=place, capture_output=True, text=True, check=False,
-                                env={**os.environ, "SOURCE_DATE_EPOCH": str(fixture.MOMENT)})
+                                env={**os.environ, "SOURCE_DATE_EPOCH": str(moment)})
         return result.returncode, result.stdout + result.stderr
 
     def test_same_archive_from_two_places(self):
@@ -51,9 +51,18 @@ class Build(unittest.TestCase):
         self.assertIn("undefined symbol: CGEventTapIsEnabled", said)
         self.assertIn("macos/imports.txt does not list", said)
 
-    def test_framework_that_is_none(self):
-        status, said = self.build(self.second, "--framework", str(self.second / "app"))
-        self.assertEqual((status, said), (2, f"./dev app: {self.second / 'app'} is not a framework\n"))
+    def test_what_cannot_be_asked_for(self):
+        for moment, options, sentence in ((0, ["--framework", "app"], "app is not a framework"),
+                                          (0, ["--output", ""], "argument --output: nothing is given"),
+                                          (0, ["--output", "CMakeLists.txt"], "CMakeLists.txt cannot be made: File exists"),
+                                          (0, ["--nonsense"], "unrecognized arguments: --nonsense"),
+                                          ("abc", [], "SOURCE_DATE_EPOCH is 'abc', not a number"),
+                                          (9999999999, [], "SOURCE_DATE_EPOCH is '9999999999', not a number")):
+            with self.subTest(sentence):
+                status, said = self.build(self.second, *options, moment=moment)
+                self.assertRegex(said, rf"\A\./dev app: .*{sentence}.*\n\Z")
+                self.assertEqual(status, 2)
+        self.assertFalse((self.second / "stubs").exists())
 
 
 class Mac(unittest.TestCase):

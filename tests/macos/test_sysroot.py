@@ -15,6 +15,12 @@ class Sysroot(unittest.TestCase):
         with self.assertRaisesRegex(sysroot.SysrootError, "is not what it was: its checksum is"):
             sysroot.verify_archive(self.folder / "headers.tgz")
 
+    def test_reason_for_no_download(self):
+        said = "npm ERR! code ENOTFOUND\nnpm ERR! errno ENOTFOUND\nnpm ERR! network request to a place failed\nnpm ERR! more\n"
+        for spelling in (said, said.replace("ERR!", "error")):
+            self.assertEqual(sysroot.reason_in(spelling), "network request to a place failed")
+        self.assertEqual(sysroot.reason_in(""), "npm tells no reason")
+
     def test_mistakes_in_the_table(self):
         for text, sentence in fixture.rows("imports.txt"):
             (self.folder / "imports.txt").write_text(text + "\n")
