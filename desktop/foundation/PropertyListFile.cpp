@@ -2,6 +2,7 @@
 
 #include "desktop/runtime/Printing.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -11,6 +12,10 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#ifdef __linux__
+#include <linux/limits.h>
+#include <sys/xattr.h>
+#endif
 
 namespace desktop {
 namespace {
@@ -54,13 +59,17 @@ public:
   explicit LockedFolder(const std::filesystem::path& file)
       : path(file.has_parent_path() ? file.parent_path() : "."),
         directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    // Whoever may read the folder may lock it, for ever.
+    int patience = 300;
     int answer = 0;
-    do
-      answer = ::flock(directory.get(), LOCK_EX);
-    while (answer != 0 && errno == EINTR);
+    while ((answer = ::flock(directory.get(), LOCK_EX | LOCK_NB)) != 0 && (errno == EWOULDBLOCK || errno == EINTR)) {
+      if (--patience == 0) throw FileFault{"cannot be saved: somebody keeps its folder locked"};
+      ::usleep(10000);
+    }
+    // In a folder that several users share, what one of them left the others cannot take away.
+    replacement = path / (".defaults-saving-" + std::to_string(::geteuid()));
     // Some file systems of networks cannot lock folders. There savers do not wait for each other, so each has a name of
     // its own for what it writes, and the last one wins.
-    replacement = path / ".defaults-saving";
     if (answer != 0) replacement += "-" + std::to_string(::getpid());
   }
 
@@ -77,6 +86,31 @@ private:
   Descriptor directory;
   std::filesystem::path replacement;
 };
+
+#ifdef __linux__
+/// Gives the file the access list and the other attributes of another; the attributes as far as that is allowed.
+void takeAttributes(int file, const std::filesystem::path& from) {
+  const std::string_view accessList = "system.posix_acl_access";
+  // The one that its folder gave it.
+  ::fremovexattr(file, accessList.data());
+  std::string names(XATTR_LIST_MAX, '\0');
+  const auto length = ::llistxattr(from.c_str(), names.data(), names.size());
+  if (length < 0 && errno != ENOTSUP) failWith("cannot be saved and keep its access list", errno);
+  names.resize(static_cast<std::size_t>(std::max(length, ssize_t{0})));
+  std::string value(XATTR_SIZE_MAX, '\0');
+  for (std::string_view rest = names; !rest.empty();) {
+    const std::string name(rest.substr(0, rest.find('\0')));
+    rest.remove_prefix(name.size() + 1);
+    const auto size = ::lgetxattr(from.c_str(), name.c_str(), value.data(), value.size());
+    const bool taken =
+        size >= 0 && ::fsetxattr(file, name.c_str(), value.data(), static_cast<std::size_t>(size), 0) == 0;
+    if (!taken && name == accessList) failWith("cannot be saved and keep its access list", errno);
+  }
+}
+#else
+/// Files have neither here.
+void takeAttributes(int /*file*/, const std::filesystem::path& /*from*/) {}
+#endif
 
 /// A file being written beside the one that it is to replace; it vanishes unless it does.
 class Replacement {
@@ -97,12 +131,13 @@ public:
   }
 
   /// As who may read and change it, and whose it is.
-  void becomeLike(const struct stat& replaced) {
+  void becomeLike(const struct stat& replaced, const std::filesystem::path& path) {
     struct stat own {};
     if (::fstat(file.get(), &own) != 0) failWith("cannot be saved", errno);
     const bool isOthers = own.st_uid != replaced.st_uid || own.st_gid != replaced.st_gid;
     if (isOthers && ::fchown(file.get(), replaced.st_uid, replaced.st_gid) != 0)
       failWith("cannot be saved and stay its owner's", errno);
+    takeAttributes(file.get(), path);
     if (::fchmod(file.get(), replaced.st_mode & 07777) != 0) failWith("cannot be saved", errno);
   }
 
@@ -156,19 +191,41 @@ std::optional<struct stat> replaceable(const std::filesystem::path& path) {
   return status;
 }
 
-/// Moves the file to the first free NAME.broken. An empty file takes that name first, since a rename would silently
-/// replace whatever appears there in between. Answers the name.
-std::string keepAside(const std::filesystem::path& path) {
-  for (int count = 1;; ++count) {
-    auto aside = path.string() + ".broken" + (count > 1 ? "-" + std::to_string(count) : "");
-    const Descriptor taken(::open(aside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!taken && errno == EEXIST) continue;
-    if (taken && ::rename(path.c_str(), aside.c_str()) == 0) return aside;
-    const int error = errno;
-    if (taken) ::unlink(aside.c_str());
-    failWith("cannot be kept as " + aside, error);
+/// A file that its successor must not take away: under a second name, the first free NAME.broken, and until the
+/// successor is there under its own as well.
+class Aside {
+public:
+  explicit Aside(std::filesystem::path kept) : file(std::move(kept)) {
+    for (int count = 1;; ++count) {
+      aside = file.string() + ".broken" + (count > 1 ? "-" + std::to_string(count) : "");
+      std::error_code unknown;
+      if (::link(file.c_str(), aside.c_str()) == 0) return;
+      // A saver that was killed may have come this far.
+      if (std::filesystem::equivalent(file, aside, unknown)) return;
+      if (std::filesystem::exists(std::filesystem::symlink_status(aside, unknown))) continue;
+      // Some file systems know no second names; there it is gone from its own until the successor is there.
+      if (::rename(file.c_str(), aside.c_str()) == 0) return;
+      failWith("cannot be kept as " + aside, errno);
+    }
   }
-}
+  Aside(const Aside&) = delete;
+  Aside& operator=(const Aside&) = delete;
+  ~Aside() {
+    if (isSucceeded) return;
+    // Of two names of one file the first call takes away neither, and the second the second.
+    if (::rename(aside.c_str(), file.c_str()) == 0) ::unlink(aside.c_str());
+  }
+
+  void succeed() {
+    isSucceeded = true;
+    report(file, "could not be understood, and is kept as " + aside);
+  }
+
+private:
+  std::filesystem::path file;
+  std::string aside;
+  bool isSucceeded = false;
+};
 
 } // namespace
 
@@ -243,12 +300,14 @@ void PropertyListFile::save() {
   }
   auto bytes = canBeXml(contents) ? writeXml(contents) : writeBinary(contents);
   Replacement replacement(folder);
-  if (replaced) replacement.becomeLike(*replaced);
+  if (replaced) replacement.becomeLike(*replaced, target);
   replacement.write(std::string_view(bytes).substr(0, writesFail ? bytes.size() / 2 : bytes.size()));
+  std::optional<Aside> aside;
+  if (!isUnderstood) aside.emplace(target);
   if (writesFail) failWith("cannot be saved", ENOSPC);
-  if (!isUnderstood) report(target, "could not be understood, and is kept as " + keepAside(target));
   replacement.moveTo(target);
   known = std::move(bytes);
+  if (aside) aside->succeed();
 }
 
 } // namespace desktop

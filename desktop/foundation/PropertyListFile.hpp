@@ -39,16 +39,17 @@ public:
   const PropertyList* value(const std::u16string& key) const;
 
   /// Saves at once. What cannot be saved stays in memory, is reported on standard error, and goes along with the
-  /// next change. A crash at any moment leaves the old file or the new one whole; a broken one may already be aside.
-  /// What a crash leaves of the writing (.defaults-saving, in the same folder) the next save takes away.
+  /// next change. A crash at any moment leaves the old file or the new one whole; a broken one may already be aside,
+  /// too. What a crash leaves of the writing (.defaults-saving-USER, in the same folder) the next save takes away.
   ///
-  /// The file keeps its owner, group and mode, or is not saved. Waits while another process saves in the same folder.
+  /// The file keeps its owner, group, mode and access list, or is not saved; other attributes where that is possible.
+  /// Waits some seconds while another process has the folder locked to save in it; then it is not saved either.
   void set(const std::u16string& key, PropertyList value);
 
   /// False when something that was set has not reached the file.
   bool isSaved() const { return unsaved.empty(); }
 
-  /// From now on writing fails half-way, as on a full disk, or works again.
+  /// From now on only half is written and a save fails at its last step, or works again.
   void failWrites(bool fail) { writesFail = fail; }
 
 private:

@@ -9,6 +9,7 @@
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 namespace desktop {
@@ -104,6 +105,25 @@ TEST_F(PropertyListFileTest, EachSaveStartsFromWhatTheFileHoldsByThen) {
   fs::remove(path);
   file.set(u"key", 4);
   EXPECT_EQ(PropertyListFile(path).value(u"other"), nullptr) << "it went with its file";
+}
+
+TEST_F(PropertyListFileTest, AccessListsStay) {
+  PropertyListFile(path).set(u"key", 1);
+  // Version 2; then owner, user 12, group, mask and others, each with its kind, rights and number.
+  const std::vector<std::uint32_t> list{2, 0x6'0001, ~0U, 0x4'0002, 12, 0x0'0004, ~0U, 0x4'0010, ~0U, 0x0'0020, ~0U};
+  const char* const name = "system.posix_acl_access";
+  if (::setxattr(path.c_str(), name, list.data(), 4 * list.size(), 0) != 0) GTEST_SKIP() << "no access lists here";
+  EXPECT_EQ(::setxattr(path.c_str(), "user.note", "mine", 4, 0), 0);
+  PropertyListFile(path).set(u"key", 2);
+  std::vector<std::uint32_t> kept(list.size());
+  EXPECT_EQ(::getxattr(path.c_str(), name, kept.data(), 4 * kept.size()), static_cast<ssize_t>(4 * list.size()));
+  EXPECT_EQ(kept, list);
+  EXPECT_EQ(::getxattr(path.c_str(), "user.note", nullptr, 0), 4);
+  // Nor does a file get the list that its folder has for new ones.
+  EXPECT_EQ(::setxattr(folder.c_str(), "system.posix_acl_default", list.data(), 4 * list.size(), 0), 0);
+  EXPECT_EQ(::removexattr(path.c_str(), name), 0);
+  PropertyListFile(path).set(u"key", 3);
+  EXPECT_EQ(::getxattr(path.c_str(), name, nullptr, 0), -1);
 }
 
 TEST_F(PropertyListFileTest, OwnersStay) {
