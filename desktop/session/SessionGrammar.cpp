@@ -6,7 +6,6 @@
 #include "desktop/session/Words.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cmath>
 #include <cstdio>
@@ -145,14 +144,6 @@ Stream owned(std::FILE* opened) {
   return {opened, [](std::FILE* stream) { return stream != nullptr ? std::fclose(stream) : 0; }};
 }
 
-/// Afterwards `to` is at its beginning. False when either fails.
-bool copy(std::FILE* from, std::FILE* to) {
-  std::array<char, 4096> part{};
-  while (const std::size_t size = std::fread(part.data(), 1, part.size(), from))
-    if (std::fwrite(part.data(), 1, size, to) != size) return false;
-  return std::ferror(from) == 0 && std::fseek(to, 0, SEEK_SET) == 0;
-}
-
 } // namespace
 
 std::string Mistake::text() const {
@@ -187,8 +178,8 @@ void SessionGrammar::follow(const Command& command) {
   if (command.verb == Verb::End && *command.name != "Tarnwick") applications.erase(*command.name);
 }
 
-SessionReader::SessionReader(std::string name, Stream read)
-    : file(std::move(name)), stream(std::move(read)), grammar(file) {}
+SessionReader::SessionReader(std::string name, Stream from, Stream to)
+    : file(std::move(name)), stream(std::move(from)), copy(std::move(to)), grammar(file) {}
 
 bool SessionReader::readLine() {
   line.clear();
@@ -196,6 +187,9 @@ bool SessionReader::readLine() {
   while ((sign = std::getc(stream.get())) != EOF && sign != '\n')
     line += static_cast<char>(sign);
   if (sign == EOF && line.empty()) return false;
+  if (copy &&
+      (std::fwrite(line.data(), 1, line.size(), copy.get()) != line.size() || std::putc('\n', copy.get()) == EOF))
+    return false;
   // The mark that Windows editors begin UTF-8 with.
   if (std::exchange(isFirst, false) && line.starts_with("\xEF\xBB\xBF")) line.erase(0, 3);
   return true;
@@ -210,6 +204,7 @@ std::variant<std::monostate, Command, Mistake> SessionReader::next() {
     if (const auto comment = commentOf(line); !comment.empty()) headings.emplace_back(comment);
   }
   if (std::ferror(stream.get()) != 0) return unable(file, "read");
+  if (copy && (std::ferror(copy.get()) != 0 || std::fflush(copy.get()) != 0)) return unable(file, "copied");
   return {};
 }
 
@@ -219,8 +214,8 @@ std::variant<SessionReader, Mistake> checkedSession(const std::string& file) {
   if (!given || (std::ungetc(std::getc(given.get()), given.get()) == EOF && std::ferror(given.get()) != 0))
     return unable(file, "read");
   const Stream kept = owned(std::tmpfile());
-  if (!kept || !copy(given.get(), kept.get())) return unable(file, std::ferror(given.get()) != 0 ? "read" : "copied");
-  SessionReader check(file, kept);
+  if (!kept) return unable(file, "copied");
+  SessionReader check(file, given, kept);
   auto read = check.next();
   while (std::holds_alternative<Command>(read))
     read = check.next();

@@ -47,8 +47,9 @@ using Stream = std::shared_ptr<std::FILE>;
 /// The commands of a whole session, read one by one, so that many need no more memory than few.
 class SessionReader {
 public:
-  /// From the stream as it goes on. `file` is the name of the session in mistakes.
-  SessionReader(std::string file, Stream stream);
+  /// From the stream as it goes on, copying what is read if there is a stream for that. `file` is the name of the
+  /// session in mistakes.
+  SessionReader(std::string file, Stream from, Stream to = nullptr);
 
   /// The next command or the first mistake; neither at the end. A stream that cannot be read is a mistake without a
   /// line.
@@ -60,6 +61,7 @@ private:
 
   std::string file;
   Stream stream;
+  Stream copy;
   SessionGrammar grammar;
   std::string line;
   bool isFirst = true;
