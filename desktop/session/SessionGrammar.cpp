@@ -199,7 +199,7 @@ std::variant<std::monostate, Command, Mistake> SessionReader::next() {
   std::vector<std::string> headings;
   while (readLine()) {
     auto read = grammar.read(line);
-    if (auto* command = std::get_if<Command>(&read)) command->headings = std::move(headings);
+    if (auto* command = std::get_if<Command>(&read)) command->headings = std::exchange(headings, {});
     if (!std::holds_alternative<std::monostate>(read)) return read;
     if (const auto comment = commentOf(line); !comment.empty()) headings.emplace_back(comment);
   }
