@@ -24,11 +24,12 @@ char16_t rank(char16_t unit) {
 /// Two bytes for each unit, the higher one first: bytes are compared many at a time.
 std::string rankedBytes(const NSString& text) {
   const std::u16string units = text.characters();
-  std::string bytes(2 * units.size(), '\0');
-  for (std::size_t index = 0; index < units.size(); ++index) {
-    const char16_t ranked = rank(units[index]);
-    bytes[2 * index] = static_cast<char>(ranked >> 8);
-    bytes[2 * index + 1] = static_cast<char>(ranked & 0xFF);
+  std::string bytes;
+  bytes.reserve(2 * units.size());
+  for (const char16_t unit : units) {
+    const char16_t ranked = rank(unit);
+    bytes += static_cast<char>(ranked >> 8);
+    bytes += static_cast<char>(ranked & 0xFF);
   }
   return bytes;
 }
