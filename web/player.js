@@ -93,15 +93,21 @@ class Player {
   }
 }
 
-/** Watches what is written from now on, and answers the last of it when asked: pictures, and defaults aside. */
+/**
+ * Watches what is written from now on, and answers the last of it that is still there when asked: a picture. Defaults do
+ * not count, and the copy of the session that the command reads from is gone by then.
+ */
 function lastPicture(files) {
   const open = files.open;
-  let last = null;
+  const pictures = [];
   files.open = (path, flags, ...rest) => {
     const stream = open(path, flags, ...rest);
     const isWritten = (stream.flags & 3) !== 0 && files.isFile(stream.node.mode);
-    if (isWritten && !stream.path.startsWith('/defaults/')) last = stream.path;
+    if (isWritten && !stream.path.startsWith('/defaults/')) pictures.push(stream.path);
     return stream;
   };
-  return () => last === null ? '' : files.readFile(last, {encoding: 'utf8'});
+  return () => {
+    const last = pictures.filter(path => files.analyzePath(path).exists).pop();
+    return last === undefined ? '' : files.readFile(last, {encoding: 'utf8'});
+  };
 }
