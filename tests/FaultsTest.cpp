@@ -28,7 +28,8 @@ void addUpdater(TestDesktop& desktop) {
 /// Everything that the program does but quitting, in one session; the application to exempt is its own bundle.
 std::vector<Step> everything(const TestDesktop& desktop) {
   return {
-      "launch\n click OK\n press ctrl+c\n show menu\n menu \"Check for Updates...\"\n menu Developer",
+      "launch\n click OK\n front none\n press forwarddelete\n front Editor\n press ctrl+c\n show menu\n "
+      "menu \"Check for Updates...\"\n menu Developer",
       "menu \"Settings…\"\n show window\n click \"Clipboard (Ctrl+C/V/X/A/Z)\"\n click \"About Tarnwick\"",
       "click \"Open Login Items\"\n click \"Choose App…\"\n choose \"" + desktop.bundle.string() +
           "\"\n click Remove 2\n resize 800 600\n close\n menu \"Settings…\"",
@@ -119,6 +120,8 @@ std::string survive(long nth, Start start) {
 
   SCOPED_TRACE("call " + std::to_string(nth) + ", " + failed + '\n' + trace);
   EXPECT_EQ(trace.substr(before.size()), expectedAfter(failed, before));
+  EXPECT_NE(trace.find(keyLine("key\t-\tdown", "forwarddelete")), std::string::npos)
+      << "nobody in front is not the Finder";
   EXPECT_EQ(std::ranges::count(desktop.entries, JournalEntry{"terminate"}), 1);
   EXPECT_EQ(trace.find("post") == std::string::npos, trace.find(posted) == std::string::npos) << "half a key press";
   const PropertyList* stored = desktop.machine.defaults->file->value(u"exemptBundleIDs");
