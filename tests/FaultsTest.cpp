@@ -28,7 +28,7 @@ void addUpdater(TestDesktop& desktop) {
 /// Everything that the program does but quitting, in one session; the application to exempt is its own bundle.
 std::vector<Step> everything(const TestDesktop& desktop) {
   return {
-      "launch\n click OK\n front none\n press forwarddelete\n front Editor\n press ctrl+c\n show menu\n "
+      "launch\n click OK\n front none\n press forwarddelete\n front Editor\n press ctrl+c\n show menu",
       "menu \"Check for Updates...\"\n menu Developer",
       "menu \"Settings…\"\n show window\n click \"Clipboard (Ctrl+C/V/X/A/Z)\"\n click \"About Tarnwick\"",
       "click \"Open Login Items\"\n click \"Choose App…\"\n choose \"" + desktop.bundle.string() +
