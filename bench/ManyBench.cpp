@@ -4,6 +4,7 @@
 #include "desktop/Desktop.hpp"
 #include "desktop/appkit/Workspace.hpp"
 #include "platform/Dispatch.hpp"
+#include "platform/Window.hpp"
 
 #include <benchmark/benchmark.h>
 #include <string>
@@ -45,7 +46,8 @@ void windows(Desktop& desktop, long count) {
   std::vector<Ref<Window>> all;
   for (long index = 0; index < count; ++index) {
     all.push_back(create<Window>());
-    all.back()->initWithContentRect({{0, 0}, {100, 100}}, 1, 2, false);
+    all.back()->initWithContentRect({{0, 0}, {100, 100}}, platform::NSWindowStyleMaskTitled,
+                                    platform::NSBackingStoreBuffered, false);
     all.back()->setReleasedWhenClosed(false);
     all.back()->makeKeyAndOrderFront(nullptr);
   }

@@ -28,9 +28,7 @@ void tellDelegate(id delegate, const char* selector) {
 }
 
 void Application::setDelegate(id value) {
-  if (value != nullptr && !conformsTo(value, "NSApplicationDelegate")) {
-    stop("a " + value->isa->name + " is no NSApplicationDelegate");
-  }
+  checkDelegate(value, "NSApplicationDelegate");
   delegate = value;
 }
 

@@ -33,8 +33,7 @@ Window* Window::initWithContentRect(CGRect rect, NSUInteger style, NSUInteger ba
 }
 
 void Window::setDelegate(id value) {
-  if (value != nullptr && !conformsTo(value, "NSWindowDelegate"))
-    stop("a " + value->isa->name + " is no NSWindowDelegate");
+  checkDelegate(value, "NSWindowDelegate");
   delegate = value;
 }
 

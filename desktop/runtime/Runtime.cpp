@@ -127,7 +127,12 @@ bool conformsTo(id object, const std::string& protocol) {
   for (Class each = livingClass(object); each != nullptr; each = each->superclass) {
     if (each->protocols.count(protocol) != 0) return true;
   }
-  return registry().missingProtocols.count(protocol) != 0;
+  return false;
+}
+
+void checkDelegate(id object, const std::string& protocol) {
+  if (object != nullptr && !conformsTo(object, protocol) && registry().missingProtocols.count(protocol) == 0)
+    stop("a " + object->isa->name + " is no " + protocol);
 }
 
 IMP methodFor(id receiver, Class start, SEL selector, const char* encoding) {

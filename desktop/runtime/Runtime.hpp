@@ -68,8 +68,9 @@ template <class Type> Ref<Type> shared(Type* object) {
 Object* allocate(Class cls);
 bool isKindOf(const objc_object* object, Class cls);
 bool respondsTo(id object, const char* selector);
-/// True of everything while the protocol could not be found.
 bool conformsTo(id object, const std::string& protocol);
+/// Stops the program unless the delegate, if there is one, conforms to the protocol or that could not be found.
+void checkDelegate(id object, const std::string& protocol);
 /// Alive instances of a class and of those derived from it; 0 for an unknown one.
 long liveObjects(const std::string& className);
 /// Everything alive, by class: what a test compares before and after.

@@ -100,5 +100,14 @@ TEST_F(RuntimeClassDeathTest, ChecksMessagesLikeAnyOther) {
   EXPECT_DEATH(send<"fail">(account), "terminate") << "no exception crosses into the platform";
 }
 
+TEST(RuntimeClasses, DoWithoutAProtocolThatThePlatformDoesNotKnow) {
+  desktop::TestDesktop desktop;
+  desktop.machine.faults.fail("objc_getProtocol");
+  RuntimeClass<void, "TestDelegate", "NSObject">().conformsTo("NSWindowDelegate").registered();
+  const auto made = make<"TestDelegate", "init">();
+  EXPECT_TRUE(made);
+  EXPECT_FALSE(desktop::conformsTo(made.object(), "NSWindowDelegate"));
+}
+
 } // namespace
 } // namespace platform
